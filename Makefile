@@ -1,0 +1,40 @@
+# Every target does all it needs on a Debian 12 machine: it installs what is
+# missing, configures, builds and runs.
+PRESET ?= default
+JOBS ?= $(shell nproc)
+
+.PHONY: build demo test bench lint format sanitize clean
+
+build:
+	scripts/install-deps build test
+	cmake --preset $(PRESET) >/dev/null
+	cmake --build --preset $(PRESET) -j $(JOBS)
+
+demo: build
+	build/lotrix demo
+
+test: build
+	ctest --test-dir build -j $(JOBS) --output-on-failure
+
+bench:
+	scripts/install-deps build bench
+	cmake --preset bench >/dev/null
+	cmake --build --preset bench -j $(JOBS)
+	scripts/bench build/bench
+
+sanitize:
+	scripts/install-deps build test
+	cmake --preset sanitize >/dev/null
+	cmake --build --preset sanitize -j $(JOBS)
+	ctest --test-dir build/sanitize -j $(JOBS) --output-on-failure
+
+lint:
+	scripts/install-deps build test bench lint
+	scripts/lint
+
+format:
+	scripts/install-deps lint
+	git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format -i
+
+clean:
+	rm -rf build
