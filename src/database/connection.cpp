@@ -1,0 +1,112 @@
+#include "lotrix/connection.h"
+
+#include <algorithm>
+
+#include "src/database/connection_access.h"
+#include "src/database/connection_string.h"
+#include "src/database/session.h"
+#include "src/errors/raise_error.h"
+
+namespace lotrix {
+
+namespace {
+
+void SetUnlessEmpty(ConnectionSettings& settings, const char* keyword, const std::string& value) {
+  if (value.empty()) return;
+  std::erase_if(settings.values, [&](const auto& pair) { return pair.first == keyword; });
+  settings.values.emplace_back(keyword, value);
+}
+
+}  // namespace
+
+Connection::Connection() = default;
+
+Connection::~Connection() {
+  for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
+  for (Recordset* const recordset : recordsets_) recordset->Drop();
+}
+
+const std::string& Connection::ConnectionString() const noexcept { return connectionString_; }
+
+void Connection::ConnectionString(const Text& connectionString) {
+  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  connectionString_ = connectionString.str();
+}
+
+ConnectMode Connection::Mode() const noexcept { return mode_; }
+
+void Connection::Mode(ConnectMode mode) {
+  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  mode_ = mode;
+}
+
+void Connection::Open(const Text& connectionString, const Text& userId, const Text& password,
+                      int /*options*/) {
+  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  if (!connectionString.str().empty()) connectionString_ = connectionString.str();
+  ConnectionSettings settings = ParseConnectionString(connectionString_);
+  SetUnlessEmpty(settings, "user id", userId);
+  SetUnlessEmpty(settings, "password", password);
+  session_ = lotrix::OpenSession(settings, mode_);
+}
+
+void Connection::Close() {
+  OpenSession();
+  for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
+  for (Recordset* const recordset : recordsets_) recordset->Drop();
+  recordsets_.clear();
+  session_.reset();
+}
+
+ObjectState Connection::State() const noexcept {
+  return session_ == nullptr ? ObjectState::kClosed : ObjectState::kOpen;
+}
+
+std::unique_ptr<Recordset> Connection::Execute(const Text& commandText) {
+  return Execute(Statement::Whole(commandText));
+}
+
+std::unique_ptr<Recordset> Connection::Execute(const Statement& statement) {
+  auto recordset = std::make_unique<Recordset>();
+  recordset->RunOn(*this, statement);
+  return recordset;
+}
+
+void Connection::BeginTrans() {
+  if (OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
+  }
+  OpenSession().Begin();
+}
+
+void Connection::CommitTrans() {
+  if (!OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "No transaction is open.");
+  }
+  OpenSession().Commit();
+}
+
+void Connection::RollbackTrans() {
+  if (!OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "No transaction is open.");
+  }
+  OpenSession().Rollback();
+}
+
+bool Connection::InTransaction() const { return session_ != nullptr && session_->InTransaction(); }
+
+void Connection::CreateSchema() { OpenSession().CreateSchema(); }
+
+void ConnectionAccess::WrapSession(
+    Connection& connection,
+    const std::function<std::unique_ptr<Session>(std::unique_ptr<Session>)>& wrap) {
+  connection.OpenSession();
+  connection.session_ = wrap(std::move(connection.session_));
+}
+
+Session& Connection::OpenSession() const {
+  if (session_ == nullptr) RaiseRuntimeError(RuntimeError::kObjectIsClosed);
+  return *session_;
+}
+
+}  // namespace lotrix

@@ -1,0 +1,396 @@
+#include "src/database/providers/sqlite/session.h"
+
+#include <sqlite3.h>
+
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "src/database/providers/sqlite/errors.h"
+#include "src/database/providers/sqlite/statement_cache.h"
+#include "src/errors/raise_error.h"
+#include "src/platform/dates.h"
+#include "src/platform/text.h"
+
+namespace lotrix {
+extern const std::string_view kSqliteSchema;
+}
+
+namespace lotrix::sqlite {
+
+namespace {
+
+struct CloseDatabase {
+  void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+};
+using Database = std::unique_ptr<sqlite3, CloseDatabase>;
+
+void Check(sqlite3* database, int resultCode) {
+  if (resultCode != SQLITE_OK) RaiseSqliteError(database, resultCode);
+}
+
+void ExecuteNative(sqlite3* database, const std::string& sql) {
+  Check(database, sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr));
+}
+
+std::string LowerCase(std::string_view ascii) {
+  std::string lower(ascii);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+DataType TypeDeclaredAs(const char* declaration) {
+  const std::string_view type = declaration == nullptr ? "" : declaration;
+  if (type == "DATE") return DataType::kDBDate;
+  if (type == "LOGICAL") return DataType::kBoolean;
+  if (type == "INTEGER") return DataType::kInteger;
+  if (type == "DOUBLE") return DataType::kDouble;
+  if (type == "TEXT") return DataType::kVarWChar;
+  return DataType::kEmpty;
+}
+
+void ReadColumns(PreparedStatement& statement) {
+  sqlite3_stmt* const handle = statement.handle.get();
+  statement.columns.clear();
+  for (int column = 0; column < sqlite3_column_count(handle); ++column) {
+    statement.columns.push_back({LowerCase(sqlite3_column_name(handle, column)),
+                                 TypeDeclaredAs(sqlite3_column_decltype(handle, column))});
+  }
+  statement.preparations = sqlite3_stmt_status(handle, SQLITE_STMTSTATUS_REPREPARE, 0);
+}
+
+[[noreturn]] void RefuseStored(std::string_view what) {
+  RaiseEngineError(EngineError::kValueCannotBeConverted, what);
+}
+
+// A statement in hand: reset, and given back to the cache, when it goes.
+class StatementInUse {
+ public:
+  StatementInUse(sqlite3* database, std::shared_ptr<PreparedStatement> statement)
+      : database_(database), statement_(std::move(statement)) {}
+  StatementInUse(StatementInUse&& other) noexcept = default;
+  StatementInUse& operator=(StatementInUse&&) = delete;
+  ~StatementInUse() {
+    if (statement_ == nullptr) return;
+    Reset();
+    DropLargeTexts();
+    statement_->inUse = false;
+  }
+
+  // A reset statement holds up no checkpoint.
+  void Reset() {
+    if (statement_->handle != nullptr) sqlite3_reset(statement_->handle.get());
+  }
+
+  [[nodiscard]] sqlite3* database() const { return database_; }
+  [[nodiscard]] sqlite3_stmt* handle() const { return statement_->handle.get(); }
+  [[nodiscard]] PreparedStatement& prepared() const { return *statement_; }
+
+  // Whether there is a row.
+  bool Step() {
+    const int result = sqlite3_step(handle());
+    if (result == SQLITE_ROW) return true;
+    if (result != SQLITE_DONE) RaiseSqliteError(database_, result);
+    Reset();
+    return false;
+  }
+
+ private:
+  // A megabyte that was looked for once must not stay with the statement.
+  void DropLargeTexts() {
+    constexpr std::size_t kLarge = 4096;
+    for (BoundValue& bound : statement_->bound) {
+      if (bound.text.capacity() <= kLarge) continue;
+      sqlite3_clear_bindings(statement_->handle.get());
+      bound.text = std::string();
+    }
+  }
+
+  sqlite3* database_;
+  std::shared_ptr<PreparedStatement> statement_;
+};
+
+class SqliteCursor final : public Cursor {
+ public:
+  explicit SqliteCursor(StatementInUse statement)
+      : statement_(std::move(statement)), atEnd_(!statement_.Step()) {
+    // A change of the schema shows up at the first step.
+    PreparedStatement& prepared = statement_.prepared();
+    if (sqlite3_stmt_status(statement_.handle(), SQLITE_STMTSTATUS_REPREPARE, 0) !=
+        prepared.preparations) {
+      ReadColumns(prepared);
+    }
+  }
+
+  [[nodiscard]] int ColumnCount() const override {
+    return static_cast<int>(statement_.prepared().columns.size());
+  }
+
+  [[nodiscard]] const std::string& ColumnName(int column) const override {
+    return Column(column).name;
+  }
+
+  [[nodiscard]] DataType DeclaredType(int column) const override { return Column(column).type; }
+
+  [[nodiscard]] ValueView ColumnValue(int column) const override {
+    sqlite3_stmt* const handle = statement_.handle();
+    const DataType declared = Column(column).type;
+    if (declared == DataType::kVarWChar || declared == DataType::kDBDate) {
+      const std::string_view text = ColumnText(column);
+      if (text.data() == nullptr) return Null{};
+      if (declared == DataType::kVarWChar) return text;
+      const auto date = IsoTextToDate(text);
+      if (!date) RefuseStored("A date column holds something that is no date.");
+      return *date;
+    }
+    const int stored = sqlite3_column_type(handle, column);
+    if (stored == SQLITE_NULL) return Null{};
+    if (declared == DataType::kBoolean) {
+      if (stored != SQLITE_INTEGER) {
+        RefuseStored("A logical column holds something that is no logical.");
+      }
+      return sqlite3_column_int64(handle, column) != 0;
+    }
+    if (stored == SQLITE_INTEGER) return std::int64_t{sqlite3_column_int64(handle, column)};
+    if (stored == SQLITE_FLOAT) return sqlite3_column_double(handle, column);
+    return ColumnText(column);
+  }
+
+  [[nodiscard]] bool AtEnd() const override { return atEnd_; }
+  void Next() override { atEnd_ = !statement_.Step(); }
+
+ private:
+  [[nodiscard]] const PreparedStatement::Column& Column(int column) const {
+    return statement_.prepared().columns[static_cast<std::size_t>(column)];
+  }
+
+  // A null pointer stands for Null.
+  [[nodiscard]] std::string_view ColumnText(int column) const {
+    const void* const text = sqlite3_column_text(statement_.handle(), column);
+    const int bytes = sqlite3_column_bytes(statement_.handle(), column);
+    return {static_cast<const char*>(text), static_cast<std::size_t>(bytes)};
+  }
+
+  StatementInUse statement_;
+  bool atEnd_;
+};
+
+void TakeNumber(std::string_view text, BoundValue& bound) {
+  text = TrimBlanks(text);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const char* const end = text.data() + text.size();
+  std::int64_t whole = 0;
+  if (const auto read = std::from_chars(text.data(), end, whole);
+      read.ec == std::errc() && read.ptr == end) {
+    bound.other = whole;
+    return;
+  }
+  double number = 0;
+  if (std::from_chars(text.data(), end, number).ec != std::errc()) {
+    RaiseEngineError(EngineError::kValueOutOfRange, "A number is out of range.");
+  }
+  bound.other = number;
+}
+
+void TakeDate(std::string_view text, BoundValue& bound) {
+  const auto value = DateLiteralValue(text);
+  if (std::holds_alternative<Empty>(value)) {
+    RaiseEngineError(EngineError::kValueCannotBeConverted, "A date literal holds no date.");
+  }
+  if (const Date* const date = std::get_if<Date>(&value)) {
+    bound.text = IsoDateText(*date);
+  } else {
+    bound.other = Null{};
+  }
+}
+
+// Puts the spliced values into the parameters' contents, and these into `bound`.
+void TakeValues(const Translation& translation, const Statement& source,
+                std::vector<BoundValue>& bound) {
+  bound.resize(translation.parameters.size());
+  auto splice = source.splices().begin();
+  auto target = bound.begin();
+  for (const Parameter& parameter : translation.parameters) {
+    target->other = std::monostate();
+    std::string& content = target->text;
+    content.clear();
+    for (const char c : parameter.content) {
+      if (c == Statement::kMark) {
+        content += (splice++)->value;
+      } else {
+        content += c;
+      }
+    }
+    if (parameter.place == Place::kDate) TakeDate(content, *target);
+    if (parameter.place == Place::kNumber) TakeNumber(content, *target);
+    ++target;
+  }
+}
+
+int Bind(sqlite3_stmt* handle, int index, const BoundValue& bound) {
+  if (std::holds_alternative<std::monostate>(bound.other)) {
+    return sqlite3_bind_text64(handle, index, bound.text.data(), bound.text.size(), SQLITE_STATIC,
+                               SQLITE_UTF8);
+  }
+  if (const auto* const whole = std::get_if<std::int64_t>(&bound.other)) {
+    return sqlite3_bind_int64(handle, index, *whole);
+  }
+  if (const auto* const number = std::get_if<double>(&bound.other)) {
+    return sqlite3_bind_double(handle, index, *number);
+  }
+  return sqlite3_bind_null(handle, index);
+}
+
+class SqliteSession final : public Session {
+ public:
+  explicit SqliteSession(Database database) : database_(std::move(database)) {}
+
+  std::unique_ptr<Cursor> Run(const Statement& statement) override {
+    StatementInUse inUse(database_.get(), cache_.Take(statement.templateText()));
+    PreparedStatement& prepared = inUse.prepared();
+    // Before SQLite sees anything: a date that is none must not have had effects.
+    TakeValues(prepared.translation, statement, prepared.bound);
+    if (prepared.handle == nullptr) Prepare(prepared);
+    int index = 0;
+    for (const BoundValue& value : prepared.bound) {
+      Check(database_.get(), Bind(inUse.handle(), ++index, value));
+    }
+    if (prepared.columns.empty()) {
+      while (inUse.Step()) {
+      }
+      return nullptr;
+    }
+    return std::make_unique<SqliteCursor>(std::move(inUse));
+  }
+
+  void Begin() override { ExecuteNative(database_.get(), "BEGIN IMMEDIATE"); }
+  void Commit() override { ExecuteNative(database_.get(), "COMMIT"); }
+  void Rollback() override { ExecuteNative(database_.get(), "ROLLBACK"); }
+  [[nodiscard]] bool InTransaction() const override {
+    return sqlite3_get_autocommit(database_.get()) == 0;
+  }
+
+  void CreateSchema() override {
+    Begin();
+    try {
+      ExecuteNative(database_.get(), std::string(kSqliteSchema));
+      Commit();
+    } catch (...) {
+      if (InTransaction()) Rollback();
+      throw;
+    }
+  }
+
+ private:
+  void Prepare(PreparedStatement& prepared) {
+    sqlite3_stmt* handle = nullptr;
+    const std::string& sql = prepared.translation.sql;
+    const int result = sqlite3_prepare_v3(database_.get(), sql.data(), static_cast<int>(sql.size()),
+                                          SQLITE_PREPARE_PERSISTENT, &handle, nullptr);
+    prepared.handle.reset(handle);
+    Check(database_.get(), result);
+    ReadColumns(prepared);
+  }
+
+  Database database_;  // closed after the statements of the cache
+  StatementCache cache_;
+};
+
+[[noreturn]] void RefuseSetting(const std::string& keyword) {
+  RaiseEngineError(EngineError::kFailed,
+                   "Connection string: the value of " + keyword + " is not one it can take.");
+}
+
+std::int64_t NumberSetting(const std::string& keyword, const std::string& value,
+                           std::int64_t most) {
+  std::int64_t number = 0;
+  const char* const end = value.data() + value.size();
+  const auto read = std::from_chars(value.data(), end, number);
+  if (value.empty() || read.ec != std::errc() || read.ptr != end || number < 0 || number > most) {
+    RefuseSetting(keyword);
+  }
+  return number;
+}
+
+struct SqliteSettings {
+  std::string file;
+  std::string synchronous = "full";
+  std::int64_t busyTimeout = 5000;
+  std::int64_t cacheSize = 65536;
+};
+
+SqliteSettings ReadSettings(const ConnectionSettings& settings) {
+  SqliteSettings read;
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+  for (const auto& [keyword, value] : settings.values) {
+    if (keyword == "data source") {
+      read.file = value;
+    } else if (keyword == "synchronous") {
+      read.synchronous = LowerCase(value);
+      if (read.synchronous != "off" && read.synchronous != "normal" && read.synchronous != "full" &&
+          read.synchronous != "extra") {
+        RefuseSetting("Synchronous");
+      }
+    } else if (keyword == "busy timeout") {
+      read.busyTimeout = NumberSetting("Busy Timeout", value, kMost);
+    } else if (keyword == "cache size") {
+      read.cacheSize = NumberSetting("Cache Size", value, kMost);
+    } else {
+      RaiseEngineError(EngineError::kFailed,
+                       "Connection string: unknown keyword \"" + keyword + "\".");
+    }
+  }
+  if (read.file.empty()) {
+    RaiseEngineError(EngineError::kFailed, "Connection string: no Data Source is named.");
+  }
+  if (read.file.find('\0') != std::string::npos) RefuseSetting("Data Source");
+  return read;
+}
+
+bool UsesWriteAheadLog(sqlite3* database) {
+  std::string mode;
+  const auto take = [](void* into, int, char** values, char**) {
+    *static_cast<std::string*>(into) = values[0];
+    return 0;
+  };
+  Check(database, sqlite3_exec(database, "PRAGMA journal_mode", take, &mode, nullptr));
+  return mode == "wal" || mode == "memory";
+}
+
+}  // namespace
+
+std::string Engine() { return std::string("SQLite ") + sqlite3_libversion(); }
+
+std::unique_ptr<Session> Open(const ConnectionSettings& settings, ConnectMode mode) {
+  const SqliteSettings wanted = ReadSettings(settings);
+  const bool readOnly = mode == ConnectMode::kRead;
+  const int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+                    (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  sqlite3* opened = nullptr;
+  const int result = sqlite3_open_v2(wanted.file.c_str(), &opened, flags, nullptr);
+  Database database(opened);
+  Check(database.get(), result);
+
+  // A misspelt column must be an error, not a text; and a database file from
+  // elsewhere must not run anything of its own.
+  for (const int switchedOff :
+       {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL, SQLITE_DBCONFIG_TRUSTED_SCHEMA}) {
+    Check(database.get(), sqlite3_db_config(database.get(), switchedOff, 0, nullptr));
+  }
+  Check(database.get(), sqlite3_db_config(database.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
+
+  Check(database.get(), sqlite3_busy_timeout(database.get(), static_cast<int>(wanted.busyTimeout)));
+  if (!readOnly && !UsesWriteAheadLog(database.get())) {
+    ExecuteNative(database.get(), "PRAGMA journal_mode=WAL");
+  }
+  ExecuteNative(database.get(), "PRAGMA synchronous=" + wanted.synchronous);
+  ExecuteNative(database.get(), "PRAGMA cache_size=-" + std::to_string(wanted.cacheSize));
+  return std::make_unique<SqliteSession>(std::move(database));
+}
+
+}  // namespace lotrix::sqlite

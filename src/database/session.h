@@ -1,0 +1,56 @@
+// What every provider gives: a session with one database, and cursors on it.
+#ifndef LOTRIX_SRC_DATABASE_SESSION_H
+#define LOTRIX_SRC_DATABASE_SESSION_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "lotrix/connection.h"
+#include "lotrix/recordset.h"
+#include "src/database/connection_string.h"
+#include "src/database/statement.h"
+
+namespace lotrix {
+
+// A value of the current record without a copy of its text; the text is valid
+// until the cursor moves.
+using ValueView = std::variant<Null, bool, std::int64_t, double, Date, std::string_view>;
+
+// The rows of one statement in hand, standing on the first of them or behind the
+// last. Destroying it gives the statement back.
+class Cursor {
+ public:
+  virtual ~Cursor() = default;
+  [[nodiscard]] virtual int ColumnCount() const = 0;
+  // The engine's column name in lower case.
+  [[nodiscard]] virtual const std::string& ColumnName(int column) const = 0;
+  // As the column is declared; kEmpty for a column that is not one of a table.
+  [[nodiscard]] virtual DataType DeclaredType(int column) const = 0;
+  [[nodiscard]] virtual ValueView ColumnValue(int column) const = 0;
+  [[nodiscard]] virtual bool AtEnd() const = 0;
+  // To the next row. At the end the engine's resources are free already.
+  virtual void Next() = 0;
+};
+
+class Session {
+ public:
+  virtual ~Session() = default;
+  // Runs the statement, whose shape has been checked; nothing comes back when it
+  // returns no rows.
+  virtual std::unique_ptr<Cursor> Run(const Statement& statement) = 0;
+  virtual void Begin() = 0;
+  virtual void Commit() = 0;
+  virtual void Rollback() = 0;
+  [[nodiscard]] virtual bool InTransaction() const = 0;
+  virtual void CreateSchema() = 0;
+};
+
+// Opens a session with the provider that the settings name; throws 3706 when
+// there is none.
+std::unique_ptr<Session> OpenSession(const ConnectionSettings& settings, ConnectMode mode);
+
+}  // namespace lotrix
+
+#endif
