@@ -1,0 +1,111 @@
+// Orders of vaccine.
+#include "lotrix/component.h"
+#include "src/database/service.h"
+#include "src/errors/raise_error.h"
+#include "src/platform/dates.h"
+#include "src/platform/frame.h"
+#include "src/platform/text.h"
+#include "src/utility/keys_and_lookups.h"
+#include "src/utility/sql_text.h"
+#include "src/validation/validation.h"
+
+namespace lotrix {
+
+void cLotrix::manufacturerProviderOrderCreateUpdate(const Text& anOrderDate, const Text& aPIN,
+                                                    const Text& aVaccine, std::int32_t aDoseCount,
+                                                    const Text& aFundingSource,
+                                                    const Text& anExcessAllowance,
+                                                    const Text& aStatePO, const Text& aMfg) {
+  Service& service = *service_;
+  InFrame(service.log, {"manufacturerProviderOrderCreateUpdate"}, [&] {
+    if (aDoseCount < 1) RaiseError(kOrderDosesNotPositive);
+    if (IsBlank(aFundingSource)) RaiseError(kNullFundingSource);
+
+    const std::string orderDate = UpperCase(anOrderDate);
+    const std::string pin = UpperCase(aPIN);
+    const std::string vaccine = UpperCase(aVaccine);
+    const std::string fundingSource = UpperCase(aFundingSource);
+    const std::string excessAllowance =
+        IsBlank(anExcessAllowance) ? "1" : UpperCase(anExcessAllowance);
+    const std::string statePO = IsBlank(aStatePO) ? "" : UpperCase(aStatePO);
+
+    if (!ValidateProviderPIN(service.log, pin, true, service.ReadConnection())) {
+      RaiseError(kProviderNotFound);
+    }
+    if (IsBlank(orderDate)) RaiseError(kNullOrderDate);
+    if (!TextToDate(orderDate)) RaiseError(kInvalidOrderDate);
+    const bool isVaricella = vaccine == "VAR";
+    if (isVaricella &&
+        !ValidateProvideraVaricellaEligibility(service.log, pin, service.ReadConnection())) {
+      RaiseError(kProviderNotEligibleForVaricella);
+    }
+    ValidateAgainstpVaccRefTable(service.log, vaccine, service.ReadConnection(), true);
+    ValidateFundingCodeandPO(service.log, fundingSource, statePO, service.ReadConnection());
+    ValidateExcessAllowance(service.log, excessAllowance);
+    const bool exists = ValidateDuplicateManufacturerOrder(service.log, orderDate, pin, vaccine,
+                                                           fundingSource, service.ReadConnection());
+
+    const bool isInfluenza = vaccine == "FLU" || vaccine == "FLU-PF";
+    Statement statement;
+    if (exists) {
+      // The new count replaces the old one. That the two together fit is checked
+      // all the same.
+      std::int32_t ordered =
+          CurrentOrderedDoses(orderDate, pin, vaccine, fundingSource, service.ReadConnection());
+      if (__builtin_add_overflow(ordered, aDoseCount, &ordered)) {
+        RaiseRuntimeError(RuntimeError::kOverflow);
+      }
+      const Contract contract =
+          VerifyVaccineContract(service, orderDate, vaccine, aDoseCount, aMfg);
+      if (isInfluenza) {
+        statement << "UPDATE influenza ";
+      } else {
+        statement << "UPDATE neworder ";
+      }
+      statement << "SET orddose = " << aDoseCount << ", "
+                << "fdose1 = " << aDoseCount << ", "
+                << "chgdate = {" << DateText(Today(service.clock)) << "}, "
+                << "userid = '" << kUserId << "', "
+                << "size = " << contract.pkgsize << ", "
+                << "cost = " << contract.cost << " "
+                << "WHERE ltrim(rtrim(pin)) = '" << pin << "' "
+                << "AND ltrim(rtrim(vaccine)) = '" << vaccine << "' "
+                << "AND orddate = {" << orderDate << "} "
+                << "AND ltrim(rtrim(fcode1)) = '" << fundingSource << "'";
+    } else {
+      const Contract contract =
+          VerifyVaccineContract(service, orderDate, vaccine, aDoseCount, aMfg);
+      if (isInfluenza) {
+        statement << "INSERT INTO influenza( ";
+      } else {
+        statement << "INSERT INTO neworder( ";
+      }
+      statement << "ordpin, rectype, pin, orddate, vaccine, orddose, fcode1, fdose1, size, cost, "
+                << "maker, contract, ndcno, chgdate, userid, descrip ) VALUES( ";
+      if (isVaricella) {
+        statement << "'MERCKC', '2', ";
+      } else {
+        statement << " '',  '5', ";
+      }
+      statement << "'" << pin << "', "
+                << "{" << orderDate << "}, "
+                << "'" << vaccine << "'," << aDoseCount << ", "
+                << "'" << fundingSource << "', " << aDoseCount << ", " << contract.pkgsize << ", "
+                << contract.cost << ", "
+                << "'" << contract.maker << "', "
+                << "'" << contract.contractid << "', "
+                << "'" << contract.ndcno << "', "
+                << "{" << orderDate << "}, "
+                << "'" << kUserId << "', ";
+      if (isVaricella) {
+        statement << " '' ";
+      } else {
+        statement << "'" << contract.descrip << "'";
+      }
+      statement << ")";
+    }
+    static_cast<void>(service.ReadConnection().Execute(statement));
+  });
+}
+
+}  // namespace lotrix
