@@ -14,14 +14,19 @@ std::string_view KindName(MemberKind kind) {
   return kind == MemberKind::kPropertyGet ? "get" : "method";
 }
 
+Json DefaultOf(const Parameter& parameter) {
+  if (!parameter.defaultText) return nullptr;
+  if (parameter.type == ParameterType::kLong) return Json::parse(*parameter.defaultText);
+  return *parameter.defaultText;
+}
+
 Json ToJson(const Member& member) {
   Json parameters = Json::array();
   for (const Parameter& parameter : member.parameters) {
-    parameters.push_back(
-        {{"name", parameter.name},
-         {"type", ParameterTypeName(parameter.type)},
-         {"optional", parameter.optional},
-         {"default", parameter.defaultText ? Json(*parameter.defaultText) : Json(nullptr)}});
+    parameters.push_back({{"name", parameter.name},
+                          {"type", ParameterTypeName(parameter.type)},
+                          {"optional", parameter.optional},
+                          {"default", DefaultOf(parameter)}});
   }
   return {{"name", member.name},
           {"dispid", member.dispatchId},
@@ -35,7 +40,7 @@ std::string ToText(const Member& member) {
   std::string parameters;
   for (const Parameter& parameter : member.parameters) {
     std::string text = fmt::format("{} {}", parameter.name, ParameterTypeName(parameter.type));
-    if (parameter.defaultText) text += fmt::format(" = \"{}\"", *parameter.defaultText);
+    if (parameter.defaultText) text += " = " + DefaultOf(parameter).dump();
     if (parameter.optional) text = fmt::format("[{}]", text);
     parameters += (parameters.empty() ? "" : ", ") + text;
   }

@@ -132,10 +132,12 @@ TEST_F(SqliteIndexTest, EveryFilterOfAnOperationIsServedByAnIndex) {
       {"SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = '\0' "s,
        "UPDATE nextid SET inextid  = \0 WHERE ltrim(rtrim(upper(ctablename))) = '\0' "s,
        "SELECT DISTINCT cntyname FROM zipcodes WHERE zip = '\0' "s,
-       "SELECT * FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '\0' AND ({\0} BETWEEN begin AND end)  and maker == '\0'  AND locactiv = .F."s,
+       "SELECT * FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '\0' AND ({\0} BETWEEN begin "
+       "AND end)  and maker == '\0'  AND locactiv = .F."s,
        "SELECT * FROM pvaccref WHERE ltrim(rtrim(vaccine)) = '\0' AND pkgsize=10"s,
        "SELECT count(*) FROM subdiv WHERE ltrim(rtrim(subdiv)) = '\0'"s,
-       "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 AND 31 AND ltrim(rtrim(pin)) = '\0'"s,
+       "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 "
+       "AND 31 AND ltrim(rtrim(pin)) = '\0'"s,
        "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '\0'"s,
        "UPDATE provider SET cat2 = '\0' WHERE ltrim(rtrim(pin)) = '\0'"s,
        "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '\0' AND locactiv = .F."s,
@@ -149,14 +151,20 @@ TEST_F(SqliteIndexTest, EveryFilterOfAnOperationIsServedByAnIndex) {
        "SELECT orddose FROM neworder "s + order,
        "UPDATE influenza SET orddose = 1 "s + order,
        "SELECT count(*) FROM DosesAdm WHERE "s + doses,
-       "SELECT doses FROM distrib WHERE action = \0 AND ltrim(rtrim(pin)) = '\0' AND ltrim(rtrim(vaccine)) = '\0' AND "s +
+       "SELECT doses FROM distrib WHERE action = \0 AND ltrim(rtrim(pin)) = '\0' AND "
+       "ltrim(rtrim(vaccine)) = '\0' AND "s +
            lot + " = '\0' AND dateout = {\0} "s,
        "SELECT count(*) FROM stock WHERE ltrim(rtrim(vaccine)) = '\0' AND "s + lot + " = '\0'"s,
-       "SELECT Pin FROM Stock WHERE ltrim(rtrim(Vaccine)) = '\0' AND  tracking != ' '  order by datein desc "s,
-       "SELECT Pin FROM Stock WHERE ltrim(rtrim(Pin)) = '\0' AND  tracking != ' '  order by datein desc "s,
-       "SELECT Pin FROM Stock WHERE  Datein BETWEEN {\0}  AND {\0}  AND  tracking != ' '  order by datein desc "s,
+       "SELECT Pin FROM Stock WHERE ltrim(rtrim(Vaccine)) = '\0' AND  tracking != ' '  order "
+       "by datein desc "s,
+       "SELECT Pin FROM Stock WHERE ltrim(rtrim(Pin)) = '\0' AND  tracking != ' '  order by "
+       "datein desc "s,
+       "SELECT Pin FROM Stock WHERE  Datein BETWEEN {\0}  AND {\0}  AND  tracking != ' '  "
+       "order by datein desc "s,
        "SELECT Pin FROM Stock WHERE  "s + lot + " = '\0'  AND  tracking != ' ' "s,
-       "Select l.Vaccine, l.Lot From Lots l, pvaccref v WHERE ltrim(rtrim(l.Pin)) = '\0' AND l.Expiry >=  {\0}  AND trim(l.Maker) is not NULL AND trim(l.vaccine) == trim(v.vaccine) AND v.locactiv = .T. ORDER BY l.Vaccine, l.Lot, l.Expiry"s}) {
+       "Select l.Vaccine, l.Lot From Lots l, pvaccref v WHERE ltrim(rtrim(l.Pin)) = '\0' AND "
+       "l.Expiry >=  {\0}  AND trim(l.Maker) is not NULL AND trim(l.vaccine) == "
+       "trim(v.vaccine) AND v.locactiv = .T. ORDER BY l.Vaccine, l.Lot, l.Expiry"s}) {
     const Texts plan = Plan(text);
     EXPECT_FALSE(plan.empty()) << text;
     for (const std::string& line : plan) {
@@ -732,6 +740,11 @@ void AppendUtf8(std::string& text, std::uint32_t codePoint) {
   }
 }
 
+// From low to high - 1, each as likely however early in the run.
+int Pick(int low, int high) {
+  return *rc::gen::resize(rc::kNominalSize, rc::gen::inRange(low, high));
+}
+
 // A piece of a text that somebody might try: single characters of every plane,
 // and what has a meaning in some SQL.
 std::string Piece() {
@@ -780,7 +793,7 @@ std::string Piece() {
                                "SELECT",
                                " FROM canary",
                                "DELETE FROM canary"};
-  if (*rc::gen::inRange(0, 3) != 0) return *rc::gen::elementOf(kMeanings);
+  if (Pick(0, 3) != 0) return *rc::gen::elementOf(kMeanings);
   std::string text;
   std::uint32_t codePoint = *rc::gen::oneOf(rc::gen::inRange<std::uint32_t>(1, 0x80),
                                             rc::gen::inRange<std::uint32_t>(0x80, 0x3000),
@@ -794,7 +807,7 @@ std::string Piece() {
 // Any text without apostrophe and U+0000.
 std::string HarmlessText() {
   std::string text;
-  const int pieces = *rc::gen::inRange(0, 12);
+  const int pieces = Pick(0, 12);
   for (int i = 0; i < pieces; ++i) text += Piece();
   return text;
 }
@@ -874,7 +887,7 @@ RC_GTEST_FIXTURE_PROP(SqliteDialectProperty, ATextInANumbersPlaceIsANumberOrRefu
   static const std::regex kNumber(" *[-+]?[0-9]+(\\.[0-9]+)?([eE][-+]?[0-9]+)? *");
   std::string value;
   if (*rc::gen::arbitrary<bool>()) {
-    const int size = *rc::gen::inRange(1, 8);
+    const int size = Pick(1, 8);
     for (int i = 0; i < size; ++i) value += *rc::gen::elementOf("0123456789.eE+- "s);
   } else {
     value = HarmlessText();
@@ -897,7 +910,7 @@ RC_GTEST_FIXTURE_PROP(SqliteDialectProperty, ATextInANumbersPlaceIsANumberOrRefu
 RC_GTEST_FIXTURE_PROP(SqliteDialectProperty, ATextInADatesPlaceIsADateOrRefused, ()) {
   std::string value;
   if (*rc::gen::arbitrary<bool>()) {
-    const int size = *rc::gen::inRange(0, 10);
+    const int size = Pick(0, 10);
     for (int i = 0; i < size; ++i) value += *rc::gen::elementOf("0123456789/-: AP'"s);
   } else {
     value = HarmlessText();
@@ -924,7 +937,7 @@ RC_GTEST_FIXTURE_PROP(SqliteDialectProperty, ComparisonsAreThoseOfTheTextsWithou
                       ()) {
   const auto text = [] {
     std::string drawn;
-    const int size = *rc::gen::inRange(0, 5);
+    const int size = Pick(0, 5);
     for (int i = 0; i < size; ++i) drawn += *rc::gen::elementOf("AaB   é"s);
     return drawn;
   };
@@ -933,7 +946,7 @@ RC_GTEST_FIXTURE_PROP(SqliteDialectProperty, ComparisonsAreThoseOfTheTextsWithou
     std::string drawn = text();
     std::erase_if(drawn, [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; });
     return drawn + (*rc::gen::arbitrary<bool>() ? "é" : "") +
-           std::string(static_cast<std::size_t>(*rc::gen::inRange(0, 3)), ' ');
+           std::string(static_cast<std::size_t>(Pick(0, 3)), ' ');
   };
   const std::string left = whole();
   const std::string right = whole();
@@ -999,9 +1012,9 @@ RC_GTEST_FIXTURE_PROP(SqliteDialectProperty, RandomWordsRunOrAreRefused, ()) {
       "\"x\"",      "l",           "AS",      "UNION",       "JOIN",  "LIMIT", "CASE",  "WHEN",
       "HAVING",     "EXISTS",      "COLLATE", "RETURNING",   "INTO"};
   std::string text;
-  const bool writes = *rc::gen::inRange(0, 3) == 0;
+  const bool writes = Pick(0, 3) == 0;
   if (!writes) text = "SELECT ";
-  const int words = *rc::gen::inRange(1, 15);
+  const int words = Pick(1, 15);
   for (int i = 0; i < words; ++i) text += *rc::gen::elementOf(kWords) + " ";
   RunWhatever(db(), text);
   if (!writes) AssertOnlyOtherStock();

@@ -28,7 +28,8 @@ struct Parameter {
   std::string_view name;
   ParameterType type;
   bool optional;
-  // What an omitted argument passes; nothing where it passes the empty text.
+  // What an omitted argument passes, as text. Nothing where it passes the empty
+  // text or, for a Variant, that it is missing.
   std::optional<std::string_view> defaultText;
 };
 

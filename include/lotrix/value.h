@@ -3,9 +3,12 @@
 #define LOTRIX_VALUE_H
 
 #include <compare>
+#include <concepts>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 
 namespace lotrix {
@@ -33,6 +36,26 @@ inline constexpr Date kZeroDate{1899, 12, 30};
 
 using Value = std::variant<Empty, Null, bool, std::int64_t, double, Date, std::string,
                            std::shared_ptr<Collection>>;
+
+// An optional argument of any type: missing, or a value. Told apart by being
+// there, not by what it holds: an empty text is not missing. A text that is not
+// valid UTF-8 throws 5, as a Text does.
+class Variant {
+ public:
+  Variant() = default;
+  template <class T>
+    requires std::constructible_from<Value, T>
+  Variant(T&& value)  // NOLINT(google-explicit-constructor): arguments are values
+      : value_(Checked(Value(std::forward<T>(value)))) {}
+
+  [[nodiscard]] bool IsMissing() const { return !value_; }
+  // Of one that is not missing.
+  [[nodiscard]] const Value& value() const { return *value_; }
+
+ private:
+  static Value Checked(Value value);
+  std::optional<Value> value_;
+};
 
 }  // namespace lotrix
 

@@ -14,20 +14,40 @@ namespace lotrix {
 
 namespace {
 
-// The type of an argument in the member's signature, and its conversion.
-template <class Argument>
+// The type of an argument in the member's signature, and its conversion from an
+// argument that is given. Only a Variant can be asked whether it was.
+template <class Taken>
 struct Conversion;
 
 template <>
 struct Conversion<Text> {
   static constexpr ParameterType kType = ParameterType::kString;
-  static Text From(const Value& value) { return ToText(value); }
+  static Text From(const Argument& argument) { return ToText(*argument); }
 };
 
 template <>
 struct Conversion<std::int32_t> {
   static constexpr ParameterType kType = ParameterType::kLong;
-  static std::int32_t From(const Value& value) { return ToLong(value); }
+  static std::int32_t From(const Argument& argument) { return ToLong(*argument); }
+};
+
+template <>
+struct Conversion<bool> {
+  static constexpr ParameterType kType = ParameterType::kBoolean;
+  static bool From(const Argument& argument) { return ToLogical(*argument); }
+};
+
+template <>
+struct Conversion<Variant> {
+  static constexpr ParameterType kType = ParameterType::kVariant;
+  static Variant From(const Argument& argument) {
+    if (!argument) return {};
+    // Whatever the member makes of it, it must be a value and no object.
+    if (std::holds_alternative<std::shared_ptr<Collection>>(*argument)) {
+      RaiseRuntimeError(RuntimeError::kTypeMismatch);
+    }
+    return *argument;
+  }
 };
 
 // What is written about a parameter; its type is that of the signature.
@@ -58,7 +78,7 @@ struct Signature<kMethod> {
                            std::index_sequence<kIndex...>) {
     // Braces keep the conversions in their order.
     const std::tuple<std::remove_cvref_t<Taken>...> converted{
-        Conversion<std::remove_cvref_t<Taken>>::From(*arguments[kIndex])...};
+        Conversion<std::remove_cvref_t<Taken>>::From(arguments[kIndex])...};
     if constexpr (std::is_void_v<Result>) {
       (service.*kMethod)(std::get<kIndex>(converted)...);
       return Empty{};
@@ -115,6 +135,102 @@ std::vector<Member> MakeMembers() {
           {Required("anOrderDate"), Required("aPIN"), Required("aVaccine"), Required("aDoseCount"),
            Required("aFundingSource"), Defaulted("anExcessAllowance", "1"), Optional("aStatePO"),
            Optional("aMfg")}),
+      Published<&cLotrix::providerProfileUpdate>("providerProfileUpdate", 0x6003000D,
+                                                 {Required("aPIN"),
+                                                  Required("aFacilityLastName"),
+                                                  Required("aShippingContact"),
+                                                  Required("aShippingAddress1"),
+                                                  Required("aShippingAddress2"),
+                                                  Required("aShippingCity"),
+                                                  Required("aShippingState"),
+                                                  Required("aShippingZipCode"),
+                                                  Required("aShippingInstructions"),
+                                                  Required("aShippingPhoneNumber"),
+                                                  Required("aShippingFaxNumber"),
+                                                  Required("aMailContact"),
+                                                  Required("aMailAddress1"),
+                                                  Required("aMailAddress2"),
+                                                  Required("aMailCity"),
+                                                  Required("aMailState"),
+                                                  Required("aMailZipCode"),
+                                                  Required("aMailPhoneNumber"),
+                                                  Required("aMailFaxNumber"),
+                                                  Required("aVaricellaEligibilityStatus"),
+                                                  Optional("aClassificationCode"),
+                                                  Optional("aVFCCertificationDate"),
+                                                  Optional("aPhoneExtension"),
+                                                  Optional("aFirstName"),
+                                                  Optional("aMiddleInitial"),
+                                                  Optional("aTitle"),
+                                                  Optional("aParentProviderID"),
+                                                  Optional("anAdditionalID"),
+                                                  Optional("anActiveStatus"),
+                                                  Optional("aSubdivision"),
+                                                  Optional("aCategory1"),
+                                                  Optional("aCategory2"),
+                                                  Optional("aCategory3")}),
+      Published<&cLotrix::providerInventoryAdjustmentUpdate>(
+          "providerInventoryAdjustmentUpdate", 0x6003000E,
+          {Required("aDepotPIN"), Required("anEntryDate"), Required("aTransactionDate"),
+           Required("aTransactionType"), Required("aPIN"), Required("aVaccine"),
+           Required("aLotNumber"), Required("aDoseCount")}),
+      Published<&cLotrix::providerShippingDataUpdate>(
+          "providerShippingDataUpdate", 0x6003000F,
+          {Required("aPIN"), Required("aFacilityLastName"), Required("aShippingContact"),
+           Required("aShippingAddress1"), Required("aShippingAddress2"), Required("aShippingCity"),
+           Required("aShippingState"), Required("aShippingZipCode"),
+           Required("aShippingInstructions"), Required("aPhoneNumber"), Required("aFaxNumber"),
+           Optional("aPhoneExtension"), Optional("aFirstName"), Optional("aMiddleInitial"),
+           Optional("aTitle")}),
+      Published<&cLotrix::DosesAdministeredUpdate>(
+          "DosesAdministeredUpdate", 0x60030011,
+          {Required("aReportingDate"),
+           Required("aPIN"),
+           Required("aVaccine"),
+           Required("aDoseInSeries"),
+           Defaulted("aSector", "1"),
+           Defaulted("aDoseCountLessThanOne", "0"),
+           Defaulted("aDoseCountForOneYear", "0"),
+           Defaulted("aDoseCountForTwoYears", "0"),
+           Defaulted("aDoseCountForThreetoFourYears", "0"),
+           Defaulted("aDoseCountForFiveYears", "0"),
+           Defaulted("aDoseCountForSixtoNineYears", "0"),
+           Defaulted("aDoseCountForTentoFourteenYears", "0"),
+           Defaulted("aDoseCountForFifteentoNineteenYears", "0"),
+           Defaulted("aDoseCountForTwentytoTwentyFourYears", "0"),
+           Defaulted("aDoseCountForTwentyFivetoFourtyFourYears", "0"),
+           Defaulted("aDoseCountForFourtyFivetoSixtyFourYears", "0"),
+           Defaulted("aDoseCountForGreaterThanSixtyFiveYears", "0"),
+           Defaulted("anUnknown", "0"),
+           Defaulted("aTotalDoses", "0"),
+           Defaulted("aUserDefinedCategory1", "0"),
+           Defaulted("aUserDefinedCategory2", "0"),
+           Defaulted("aUserDefinedCategory3", "0")}),
+      Published<&cLotrix::DepotProviderOrderUpdate>(
+          "DepotProviderOrderUpdate", 0x60030012,
+          {Required("aShipmentDate"), Required("aDepotID"), Required("aPIN"), Required("aVaccine"),
+           Required("aDoseCount"), Required("aLotNumber"), Defaulted("anExcessAllow", "1"),
+           Optional("anOrderDate")}),
+      Published<&cLotrix::providerEnrollmentAddUpdate>(
+          "providerEnrollmentAddUpdate", 0x60030013,
+          {Required("aPIN"), Required("aSource"), Required("aAgeGroup"), Required("aAll"),
+           Required("aMedicaid"), Required("aUninsured"), Required("aAmIndian"),
+           Required("aFQHC_RHC"), Required("aVFC"), Required("aG317"), Required("aState")}),
+      Published<&cLotrix::providerAdditionalInfoUpdate>(
+          "providerAdditionalInfoUpdate", 0x60030014,
+          {Required("aPIN"), Required("aProviderType"), Required("aClassification"),
+           Required("aCurrentVFCCert"), Required("aCohort"), Required("aEmpIdNum"),
+           Required("aQuorvin")}),
+      Published<&cLotrix::physicianAddUpdate>(
+          "physicianAddUpdate", 0x60030015,
+          {Required("aPIN"), Required("aLastName"), Required("aFirstName"),
+           Required("aMiddleInitial"), Required("aTitle"), Required("aSiteMedID"),
+           Required("aMedicaidNum"), Required("aLicenseNum")}),
+      Published<&cLotrix::provinvAdd>(
+          "provinvAdd", 0x60030016,
+          {Required("aPIN"), Required("aVacc"), Required("aInv"), Required("aIdate")}),
+      Published<&cLotrix::physicianDeleteByPin>("physicianDeleteByPin", 0x60030017,
+                                                {Required("aPIN")}),
       Published<&cLotrix::CheckVaccActive>("CheckVaccActive", 0x60030018, {Required("aVaccine")}),
   };
 }
@@ -175,6 +291,7 @@ CallResult Call(cLotrix& service, const Member& member, std::span<const Argument
     if (complete[i]) continue;
     const Parameter& parameter = member.parameters[i];
     if (!parameter.optional) RaiseRuntimeError(RuntimeError::kArgumentNotOptional);
+    if (parameter.type == ParameterType::kVariant) continue;
     complete[i] = std::string(parameter.defaultText.value_or(""));
   }
   return member.invoke(service, complete);

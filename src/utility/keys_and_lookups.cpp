@@ -6,6 +6,7 @@
 #include "src/platform/text.h"
 #include "src/platform/values.h"
 #include "src/resultset/recordset_conversion.h"
+#include "src/utility/sql_text.h"
 
 namespace lotrix {
 
@@ -59,6 +60,12 @@ void OpenQuery(Recordset& recordset, const Statement& query, Connection& connect
   recordset.Open(query, connection, CursorType::kKeyset, LockType::kReadOnly, CommandType::kText);
 }
 
+void RunStatement(const Statement& statement, Connection& connection) {
+  Recordset run;
+  OpenQuery(run, statement, connection);
+  CloseRecordset(run);
+}
+
 Contract ReadContract(const Recordset& recordset) {
   std::int32_t column = 0;
   const Fields fields = recordset.Fields();
@@ -103,11 +110,9 @@ std::int32_t GetNextID(Service& service, const std::string& tableName) {
   const std::int32_t key = last + 1;
   CloseRecordset(keys);
 
-  OpenQuery(keys,
-            Statement() << "UPDATE nextid SET inextid  = " << key
-                        << " WHERE ltrim(rtrim(upper(ctablename))) = '" << upperName << "' ",
-            service.ReadConnection());
-  CloseRecordset(keys);
+  RunStatement(Statement() << "UPDATE nextid SET inextid  = " << key
+                           << " WHERE ltrim(rtrim(upper(ctablename))) = '" << upperName << "' ",
+               service.ReadConnection());
   transaction.Commit();
   return key;
 }
@@ -179,8 +184,45 @@ std::int32_t CurrentOrderedDoses(const std::string& orderDate, const std::string
   // Influenza orders are counted here too, though they stand in a table of their
   // own.
   if (orders.RecordCount() != 1) RaiseError(kErrorDeterminingCurrentDoses);
-  const Value doses = orders.Fields().Item(0).Value();
-  return std::holds_alternative<Null>(doses) ? 0 : ToLong(doses);
+  return FirstLongOrZero(orders);
+}
+
+std::int32_t ActionCodeOf(const std::string& statusCode, Connection& connection) {
+  Recordset actions;
+  OpenQuery(actions,
+            Statement() << "SELECT action "
+                        << "FROM actref "
+                        << "WHERE status = '" << statusCode << "'",
+            connection);
+  const std::int32_t records = actions.RecordCount();
+  if (records < 1) RaiseError(kErrorVerifyingAdjustmentType);
+  if (records > 1) RaiseError(kDuplicateAdjustmentType);
+  return FirstLongOrZero(actions);
+}
+
+std::int32_t CurrentDoses(std::int32_t actionCode, const std::string& pin,
+                          const std::string& vaccine, const std::string& lotNumber,
+                          const std::string& transactionDate, const std::string& sourcePin,
+                          Connection& connection) {
+  Recordset adjustments;
+  OpenQuery(adjustments,
+            Statement() << "SELECT doses "
+                        << "FROM distrib "
+                        << "WHERE action = " << actionCode << " "
+                        << "AND ltrim(rtrim(pin)) = '" << pin << "' "
+                        << "AND ltrim(rtrim(vaccine)) = '" << vaccine << "' "
+                        << "AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '"
+                        << RemoveDashes(lotNumber) << "' "
+                        << "AND dateout = {" << transactionDate << "} "
+                        << "AND ltrim(rtrim(frompin)) = '" << sourcePin << "'",
+            connection);
+  if (adjustments.RecordCount() != 1) RaiseError(kErrorDeterminingCurrentDoses);
+  return FirstLongOrZero(adjustments);
+}
+
+std::int32_t FirstLongOrZero(const Recordset& recordset) {
+  const Value number = recordset.Fields().Item(0).Value();
+  return std::holds_alternative<Null>(number) ? 0 : ToLong(number);
 }
 
 }  // namespace lotrix

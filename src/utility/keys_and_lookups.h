@@ -63,8 +63,26 @@ struct Contract {
                                                const std::string& fundingCode,
                                                Connection& connection);
 
+// The numeric action code of an adjustment's status code, 0 for Null. Throws 20036
+// for none and 20037 for several rows of the action reference.
+[[nodiscard]] std::int32_t ActionCodeOf(const std::string& statusCode, Connection& connection);
+
+// The doses that an adjustment has now, 0 for Null. Throws 20042 unless exactly one
+// matches.
+[[nodiscard]] std::int32_t CurrentDoses(std::int32_t actionCode, const std::string& pin,
+                                        const std::string& vaccine, const std::string& lotNumber,
+                                        const std::string& transactionDate,
+                                        const std::string& sourcePin, Connection& connection);
+
+// The number in the first column of the record that the recordset stands on, 0
+// for Null. Throws 13 and 6 for what is no 32-bit number.
+[[nodiscard]] std::int32_t FirstLongOrZero(const Recordset& recordset);
+
 // How every query of the component is opened: keyset cursor, read-only, text.
 void OpenQuery(Recordset& recordset, const Statement& query, Connection& connection);
+
+// Runs a statement the same way; nothing is read back.
+void RunStatement(const Statement& statement, Connection& connection);
 
 }  // namespace lotrix
 

@@ -1,10 +1,38 @@
 #include "src/errors/raise_error.h"
+#include "src/platform/dates.h"
 #include "src/platform/frame.h"
 #include "src/utility/sql_text.h"
 #include "src/validation/count.h"
 #include "src/validation/validation.h"
 
 namespace lotrix {
+
+void ValidateVaccineLot(TraceLog& log, const std::string& vaccine, const std::string& lotNumber,
+                        Connection& connection) {
+  InFrame(log, {"ValidateVaccineLot"}, [&] {
+    const std::int32_t count =
+        ReadCount(Statement() << "SELECT count(*) FROM stock "
+                              << "WHERE ltrim(rtrim(vaccine)) = '" << vaccine << "' "
+                              << "AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '"
+                              << RemoveDashes(lotNumber) << "'",
+                  connection, Records::kAtLeastOne, kErrorVerifyingLotNumber);
+    if (count < 1) RaiseError(kErrorVerifyingLotNumber);
+  });
+}
+
+void ValidateProviderInventoryAdjustDates(TraceLog& log, const std::string& entryDate,
+                                          const std::string& transactionDate) {
+  InFrame(log, {"ValidateProviderInventoryAdjustDates"}, [&] {
+    if (!TextToDate(entryDate)) RaiseError(kInvalidEntryDate);
+    if (!TextToDate(transactionDate)) RaiseError(kInvalidTransactionDate);
+  });
+}
+
+void ValidateVaccAdminSector(TraceLog& log, const std::string& sector) {
+  InFrame(log, {"ValidateVaccAdminSector"}, [&] {
+    if (sector != "1" && sector != "2") RaiseError(kInvalidDosesAdminSector);
+  });
+}
 
 void ValidateActionCode(TraceLog& log, const std::string& adjustmentType, Connection& connection) {
   InFrame(log, {"ValidateActionCode"}, [&] {

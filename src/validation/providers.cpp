@@ -137,4 +137,25 @@ bool ValidateSector(TraceLog& log, std::int32_t sector, Connection& connection) 
   });
 }
 
+bool ValidateEnrollmentRecord(TraceLog& log, const std::string& pin, Connection& connection) {
+  return InFrame(log, {"ValidateEnrollmentRecord"}, [&] {
+    const std::int32_t count = ReadCount(
+        Statement() << "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" << pin << "'",
+        connection, Records::kExactlyOne, kErrorReadingEnrollment);
+    return OneExists(count, kDuplicateEnrollment, kErrorReadingEnrollment);
+  });
+}
+
+bool ValidatePhysicnRecord(TraceLog& log, const std::string& pin, const std::string& lastName,
+                           const std::string& firstName, Connection& connection) {
+  return InFrame(log, {"ValidatePhysicnRecord"}, [&] {
+    // The stored columns are compared untrimmed here.
+    const std::int32_t count = ReadCount(
+        Statement() << "SELECT count(*) FROM physicn WHERE pin = '" << pin << "' AND "
+                    << "lastname = '" << lastName << "' AND firstname = '" << firstName << "' ",
+        connection, Records::kExactlyOne, kErrorReadingPhysician);
+    return OneExists(count, kDuplicatePhysician, kErrorReadingPhysician);
+  });
+}
+
 }  // namespace lotrix

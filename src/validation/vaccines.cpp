@@ -1,7 +1,6 @@
 #include "src/errors/raise_error.h"
 #include "src/platform/frame.h"
 #include "src/platform/numbers.h"
-#include "src/platform/values.h"
 #include "src/utility/keys_and_lookups.h"
 #include "src/validation/count.h"
 #include "src/validation/validation.h"
@@ -15,9 +14,7 @@ void RequireDoseInSeries(const std::string& dose, const Statement& largestDose,
   if (TextToLong(dose) < 1) RaiseError(kDoseInSeriesTooSmall);
   Recordset largest;
   OpenQuery(largest, largestDose, connection);
-  const Value stored = largest.Fields().Item(0).Value();
-  const std::int32_t most = std::holds_alternative<Null>(stored) ? 0 : ToLong(stored);
-  if (TextToLong(dose) > most) RaiseError(kDoseInSeriesTooLarge);
+  if (TextToLong(dose) > FirstLongOrZero(largest)) RaiseError(kDoseInSeriesTooLarge);
 }
 
 void RequireVaccine(TraceLog& log, const std::string& vaccine, const Statement& query,

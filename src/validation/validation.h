@@ -52,6 +52,15 @@ void ValidateProviderActiveStatus(TraceLog& log, const std::string& pin, Connect
 // Whether one row of the sector reference has this provider sector. Throws 20031.
 [[nodiscard]] bool ValidateSector(TraceLog& log, std::int32_t sector, Connection& connection);
 
+// Whether the provider has its one row of enroll. Throws 20089, 20090.
+[[nodiscard]] bool ValidateEnrollmentRecord(TraceLog& log, const std::string& pin,
+                                            Connection& connection);
+
+// Whether one physician has that provider and name. Throws 20096, 20097.
+[[nodiscard]] bool ValidatePhysicnRecord(TraceLog& log, const std::string& pin,
+                                         const std::string& lastName, const std::string& firstName,
+                                         Connection& connection);
+
 // --- vaccines.cpp ----------------------------------------------------------
 
 // Active is a vaccine with a row of pvaccref whose locactiv is false.
@@ -118,6 +127,18 @@ void ValidateFundingCodeandPO(TraceLog& log, const std::string& fundingCode,
     const std::string& lotNumber, Connection& connection);
 
 // --- inventory.cpp ---------------------------------------------------------
+
+// A stock row for the vaccine and the lot, whose dashes do not count. Throws
+// 20034.
+void ValidateVaccineLot(TraceLog& log, const std::string& vaccine, const std::string& lotNumber,
+                        Connection& connection);
+
+// No order between the two, and no bound, is asked for. Throws 20074.
+void ValidateProviderInventoryAdjustDates(TraceLog& log, const std::string& entryDate,
+                                          const std::string& transactionDate);
+
+// Exactly "1" or "2". Throws 20085.
+void ValidateVaccAdminSector(TraceLog& log, const std::string& sector);
 
 // Throws 20036, 20037.
 void ValidateActionCode(TraceLog& log, const std::string& adjustmentType, Connection& connection);
