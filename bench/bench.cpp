@@ -70,6 +70,12 @@ std::string MakeDatabase(const std::string& name, int providers) {
         Statement() << "INSERT INTO provider(pin, lastname, city, state, sector, active) VALUES('"
                     << std::string(pin) << "', 'BENCH CLINIC', 'SPRINGFIELD', 'IL', 10, 'Y')"));
   }
+  static_cast<void>(connection.Execute(
+      "INSERT INTO stock(pin, lot, vaccine, tracking) VALUES('B00000', 'BENCH1', 'DTAP', 'T')"));
+  // What the depot has shipped on one day is added to.
+  static_cast<void>(
+      connection.Execute("INSERT INTO distrib(dateout, frompin, pin, vaccine, lot, doses, action) "
+                         "VALUES({7/5/2012}, 'D00001', 'B00008', 'DTAP', 'BENCH1', 1, 1)"));
   connection.CommitTrans();
   return file;
 }
@@ -89,17 +95,20 @@ std::string PinOf(int provider) {
   return pin;
 }
 
+// As many calls as one run makes.
+constexpr int kCalls = 1500;
+
 // An operation, called with the arguments that belong to a number.
 struct Operation {
   const char* name;
   bool givesTable;
+  // How many different calls there are; kCalls where a call made twice does
+  // another thing the second time.
   int variants;
-  // Whether a call with the same arguments again does another thing.
-  bool once;
   std::function<void(cLotrix&, int variant)> call;
 };
 
-std::string OrderDate(int variant) {
+std::string DateOf(int variant) {
   return std::to_string(variant % 12 + 1) + "/" + std::to_string(variant / 12 % 28 + 1) + "/" +
          std::to_string(2008 + variant / 336 % 20);
 }
@@ -108,28 +117,88 @@ void Order(cLotrix& service, const std::string& date, const std::string& pin, in
   service.manufacturerProviderOrderCreateUpdate(date, pin, "DTAP", doses, "1", "1", "", "BENCHM");
 }
 
+void Adjust(cLotrix& service, const std::string& date, const std::string& pin, int doses) {
+  service.providerInventoryAdjustmentUpdate("D00001", date, date, "Lo", pin, "DTAP", "BENCH-1",
+                                            doses);
+}
+
+void Dose(cLotrix& service, const std::string& date, const std::string& pin, int doses) {
+  service.DosesAdministeredUpdate(date, pin, "DTAP", "1", "1", doses, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1,
+                                  1, 1, doses + 12, 1, 2, 3);
+}
+
+void Profile(cLotrix& service, const std::string& pin, const std::string& contact) {
+  service.providerProfileUpdate(pin, "Bench Clinic", contact, "1 Lantern St.", "", "Amberbrook",
+                                "ZZ", "69401", "Ring twice", "(217) 555-0100", "", "", "", "", "",
+                                "", "", "", "", true, "10", {}, "17", "Orla", "B", "MD");
+}
+
+void Physician(cLotrix& service, const std::string& lastName, const std::string& license) {
+  service.physicianAddUpdate("B00009", lastName, "Orla", "B", "MD", "S-1", "M-1", license);
+}
+
 std::vector<Operation> Operations() {
+  const auto keep = [](auto&& table) { benchmark::DoNotOptimize(table); };
   return {
-      {"stockTableRead", true, 50, false,
-       [](cLotrix& s, int v) {
-         benchmark::DoNotOptimize(s.stockTableRead("", "DTAP", "", OrderDate(v)));
+      {"stockTableRead", true, 50,
+       [=](cLotrix& s, int v) { keep(s.stockTableRead("", "DTAP", "", DateOf(v))); }},
+      {"manufacturerProviderOrderRead", true, 50,
+       [=](cLotrix& s, int v) {
+         keep(s.manufacturerProviderOrderRead(PinOf(v), "1/1/2008", "DTAP", "", "12/31/2027"));
        }},
-      {"manufacturerProviderOrderRead", true, 50, false,
-       [](cLotrix& s, int v) {
-         benchmark::DoNotOptimize(
-             s.manufacturerProviderOrderRead(PinOf(v), "1/1/2008", "DTAP", "", "12/31/2027"));
-       }},
-      {"vaccineReferenceTableRead", true, 1, false,
-       [](cLotrix& s, int) { benchmark::DoNotOptimize(s.vaccineReferenceTableRead()); }},
-      {"inventoryOnHandRead", true, 2, false,
-       [](cLotrix& s, int v) {
-         benchmark::DoNotOptimize(s.inventoryOnHandRead("D00001", v == 0 ? "DTAP" : "MMR"));
-       }},
-      {"CheckVaccActive", false, 1, false, [](cLotrix& s, int) { s.CheckVaccActive("DTAP"); }},
-      {"order/insert", false, 30000, true,
-       [](cLotrix& s, int v) { Order(s, OrderDate(v), PinOf(v % 1000), 10); }},
-      {"order/update", false, 2, false,
+      {"vaccineReferenceTableRead", true, 1,
+       [=](cLotrix& s, int) { keep(s.vaccineReferenceTableRead()); }},
+      {"inventoryOnHandRead", true, 2,
+       [=](cLotrix& s, int v) { keep(s.inventoryOnHandRead("D00001", v == 0 ? "DTAP" : "MMR")); }},
+      {"CheckVaccActive", false, 1, [](cLotrix& s, int) { s.CheckVaccActive("DTAP"); }},
+      {"manufacturer order: insert", false, kCalls,
+       [](cLotrix& s, int v) { Order(s, DateOf(v), PinOf(v % 1000), 10); }},
+      {"manufacturer order: update", false, 2,
        [](cLotrix& s, int v) { Order(s, "7/4/2012", PinOf(7), 10 + v); }},
+      {"depot order: insert", false, kCalls,
+       [](cLotrix& s, int v) {
+         s.DepotProviderOrderUpdate("7/4/2012", "D00001", PinOf(v % 1000), "DTAP", 10, "BENCH-1");
+       }},
+      {"depot order: update", false, 2,
+       [](cLotrix& s, int v) {
+         s.DepotProviderOrderUpdate("7/5/2012", "D00001", PinOf(8), "DTAP", 1 + v, "BENCH-1");
+       }},
+      {"adjustment: insert", false, kCalls,
+       [](cLotrix& s, int v) { Adjust(s, DateOf(v), PinOf(v % 1000), 2); }},
+      {"adjustment: update", false, 2,
+       [](cLotrix& s, int v) { Adjust(s, "7/4/2012", PinOf(7), 2 + v); }},
+      {"provinvAdd", false, kCalls,
+       [](cLotrix& s, int v) { s.provinvAdd(PinOf(v % 1000), "DTAP", "48", DateOf(v)); }},
+      {"doses administered: insert", false, kCalls,
+       [](cLotrix& s, int v) { Dose(s, DateOf(v), PinOf(v % 1000), 5); }},
+      {"doses administered: update", false, kCalls,
+       [](cLotrix& s, int v) { Dose(s, "7/4/2012", PinOf(7), v); }},
+      {"profile: insert", false, kCalls,
+       [](cLotrix& s, int v) { Profile(s, "X" + std::to_string(10000 + v), "Orla"); }},
+      {"profile: update", false, kCalls,
+       [](cLotrix& s, int v) { Profile(s, PinOf(9), "Orla " + std::to_string(v)); }},
+      {"shipping data", false, 2,
+       [](cLotrix& s, int v) {
+         s.providerShippingDataUpdate(PinOf(10), "Bench Clinic", v == 0 ? "Orla" : "Benno",
+                                      "1 Lantern St.", "", "Amberbrook", "ZZ", "69401", "",
+                                      "(217) 555-0100", "");
+       }},
+      {"enrollment", false, 2,
+       [](cLotrix& s, int v) {
+         s.providerEnrollmentAddUpdate("P00001", "A", "2", v == 0 ? "100" : "101", "1", "2", "3",
+                                       "4", "5", "6", "7");
+       }},
+      {"additional info", false, 2,
+       [](cLotrix& s, int v) {
+         s.providerAdditionalInfoUpdate(PinOf(11), v == 0 ? "CLINIC" : "SCHOOL", "11", "1/5/2026",
+                                        "C1", "E-100", "YES");
+       }},
+      {"physician: insert", false, kCalls,
+       [](cLotrix& s, int v) { Physician(s, "Thistle" + std::to_string(v), "L-1"); }},
+      {"physician: update", false, 2,
+       [](cLotrix& s, int v) { Physician(s, "Linnet", v == 0 ? "L-1" : "L-2"); }},
+      {"physicianDeleteByPin", false, 50,
+       [](cLotrix& s, int v) { s.physicianDeleteByPin(PinOf(v + 20)); }},
   };
 }
 
@@ -148,58 +217,47 @@ std::unique_ptr<cLotrix> MakeService(const Side& side) {
   return service;
 }
 
+// Both sides begin each run on a fresh copy of the database; what is called again
+// and again is called once beforehand.
 void Register(const Operation& operation, const std::string& original) {
   const std::string name = operation.name;
   std::string fileName = name;
-  std::replace(fileName.begin(), fileName.end(), '/', '-');
+  std::replace(fileName.begin(), fileName.end(), ' ', '-');
+  const bool repeats = operation.variants < kCalls;
 
-  // A call that is an insert the first time only needs as many arguments as there
-  // are iterations, on both sides.
-  const auto iterations = operation.once ? operation.variants / 6 : 0;
-  auto* component =
-      benchmark::RegisterBenchmark(name.c_str(), [=, next = 0](benchmark::State& state) mutable {
-        const Side side(original, fileName + "-component");
-        const auto service = MakeService(side);
-        if (!operation.once) next = 0;
-        for (int v = 0; v < std::min(operation.variants, 50); ++v) {
-          if (!operation.once) operation.call(*service, v);
-        }
-        for (auto _ : state) {
-          operation.call(*service, next);
-          if (++next == operation.variants) next = 0;
-        }
-      });
-  auto* floor = benchmark::RegisterBenchmark(
-      (name + "/floor").c_str(), [=, next = 0](benchmark::State& state) mutable {
-        const Side recordingSide(original, fileName + "-recording");
-        const auto service = MakeService(recordingSide);
-        if (!operation.once) {
-          for (int v = 0; v < operation.variants; ++v) operation.call(*service, v);
-        }
-        std::vector<Recording> recordings;
-        const int taken = operation.once ? iterations : operation.variants;
-        for (int v = 0; v < taken; ++v) {
-          recordings.push_back(
-              Record(*service, recordingSide.log, [&] { operation.call(*service, v); }));
-        }
-        const Side side(original, fileName + "-floor");
-        Floor floorOf(side.database, side.log);
-        for (const Recording& recording : recordings) floorOf.Prepare(recording);
-        if (!operation.once) {
-          for (const Recording& recording : recordings) {
-            floorOf.Run(recording, operation.givesTable);
-          }
-        }
-        next = 0;
-        for (auto _ : state) {
-          floorOf.Run(recordings[static_cast<std::size_t>(next)], operation.givesTable);
-          if (++next == taken) next = 0;
-        }
-      });
-  if (operation.once) {
-    component->Iterations(iterations);
-    floor->Iterations(iterations);
-  }
+  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+    const Side side(original, fileName + "-component");
+    const auto service = MakeService(side);
+    service->CheckVaccActive("DTAP");  // opens the connection
+    for (int v = 0; repeats && v < operation.variants; ++v) operation.call(*service, v);
+    int next = 0;
+    for (auto _ : state) {
+      operation.call(*service, next);
+      if (++next == operation.variants) next = 0;
+    }
+  })->Iterations(kCalls);
+
+  benchmark::RegisterBenchmark((name + "/floor").c_str(), [=](benchmark::State& state) {
+    const Side recordingSide(original, fileName + "-recording");
+    const auto service = MakeService(recordingSide);
+    for (int v = 0; repeats && v < operation.variants; ++v) operation.call(*service, v);
+    std::vector<Recording> recordings;
+    for (int v = 0; v < operation.variants; ++v) {
+      recordings.push_back(
+          Record(*service, recordingSide.log, [&] { operation.call(*service, v); }));
+    }
+    const Side side(original, fileName + "-floor");
+    Floor floor(side.database, side.log);
+    for (const Recording& recording : recordings) floor.Prepare(recording);
+    for (int v = 0; repeats && v < operation.variants; ++v) {
+      floor.Run(recordings[static_cast<std::size_t>(v)], operation.givesTable);
+    }
+    std::size_t next = 0;
+    for (auto _ : state) {
+      floor.Run(recordings[next], operation.givesTable);
+      if (++next == recordings.size()) next = 0;
+    }
+  })->Iterations(kCalls);
   Bounds().push_back({operation.name, nullptr, 1.3});
 }
 
@@ -300,7 +358,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
       if (run.aggregate_name == "median") {
-        std::string name = run.run_name.function_name;
+        const std::string& name = run.run_name.function_name;
         medians_[name] = run.GetAdjustedRealTime();
       }
     }

@@ -28,7 +28,8 @@ int Call(const Common& common, const std::string& operation,
          const std::vector<std::string>& arguments, bool json);
 // From the file, or from standard input when none is named.
 int Batch(const Common& common, const std::string& file);
-int Demo(const Common& common);
+// On a database and a log of its own.
+int Demo();
 
 }  // namespace lotrix::cli
 

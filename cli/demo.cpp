@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <stdexcept>
 
 #include "cli/client.h"
 #include "cli/table.h"
@@ -31,109 +32,218 @@ class DemoFolder {
   std::string path_;
 };
 
-void ShowCall(Client& client, const std::string& operation, const NamedArguments& arguments) {
-  std::cout << "\n$ lotrix call " << operation;
-  for (const auto& [name, argument] : arguments) {
-    std::cout << ' ' << name << '=' << std::get<std::string>(*argument);
+class Day {
+ public:
+  explicit Day(const Common& common) : client_(common), log_(common.logPath) {}
+
+  void Say(const std::string& text) { std::cout << "\n" << text << '\n'; }
+
+  // Shows the call as it would be typed, and its answer.
+  Answer Call(const std::string& operation, const NamedArguments& arguments) {
+    std::cout << "\n$ lotrix call " << operation;
+    for (const auto& [name, argument] : arguments) {
+      std::cout << " '" << name << '=' << std::get<std::string>(*argument) << '\'';
+    }
+    std::cout << '\n';
+    traceStart_ = static_cast<std::streamoff>(std::filesystem::file_size(log_));
+    Answer answer = client_.Call(operation, arguments);
+    if (answer.error) {
+      std::cout << "refused: " << ErrorLine(*answer.error) << '\n';
+      refused_ = true;
+    } else if (answer.table) {
+      WriteTable(std::cout, *answer.table);
+    } else {
+      std::cout << answer.message.value_or("accepted") << '\n';
+    }
+    return answer;
   }
-  std::cout << '\n';
-  const Answer answer = client.Call(operation, arguments);
-  if (answer.error) {
-    std::cout << "refused: " << ErrorLine(*answer.error) << '\n';
-  } else if (answer.table) {
-    WriteTable(std::cout, *answer.table);
-  } else {
-    std::cout << answer.message.value_or("accepted") << '\n';
+
+  void ShowTrace() {
+    std::ifstream log(log_, std::ios::binary);
+    log.seekg(traceStart_);
+    std::cout << "The trace of that call:\n";
+    for (std::string line; std::getline(log, line);) std::cout << "  " << line << '\n';
   }
-}
 
-void ShowOrders(Client& client, const std::string& pin, const std::string& day) {
-  const auto orders = client.lotrix().Connection()->Execute(
-      "SELECT pin, orddate, vaccine, orddose, fcode1, size, cost, maker, chgdate, userid "
-      "FROM neworder WHERE ltrim(rtrim(pin)) = '" +
-      pin + "' AND orddate = {" + day + "}");
-  std::cout << "\nThe order as the database holds it:\n";
-  WriteTable(std::cout, RecordsetToResultSet(*orders));
-}
+  void ShowRows(const std::string& title, const std::string& query) {
+    const auto rows = client_.lotrix().Connection()->Execute(query);
+    std::cout << '\n' << title << ":\n";
+    WriteTable(std::cout, RecordsetToResultSet(*rows));
+  }
 
-// The lines that have come to the log since the last time, without their times.
-void ShowTrace(const std::string& path, std::streamoff seen) {
-  std::ifstream log(path, std::ios::binary);
-  log.seekg(seen);
-  std::cout << "\nThe trace of that call:\n";
-  for (std::string line; std::getline(log, line);) std::cout << "  " << line << '\n';
-}
+  // Whether a call was refused since this was asked last.
+  bool WasRefused() { return std::exchange(refused_, false); }
 
-std::streamoff SizeOf(const std::string& path) {
-  return static_cast<std::streamoff>(std::filesystem::file_size(path));
-}
-
-std::string FirstText(Connection& connection, const std::string& query) {
-  const auto found = connection.Execute(query);
-  return std::get<std::string>(found->Fields().Item(0).Value());
-}
+ private:
+  Client client_;
+  std::string log_;
+  std::streamoff traceStart_ = 0;
+  bool refused_ = false;
+};
 
 }  // namespace
 
-int Demo(const Common& /*common*/) {
+int Demo() {
   const DemoFolder folder;
-  const std::string log = folder.path() + "/Lotrix.log";
   const Common fresh{
       .connectionString = "Provider=SQLite;Data Source=" + folder.path() + "/demo.db",
-      .logPath = log};
+      .logPath = folder.path() + "/Lotrix.log"};
   std::cout << "A fresh embedded database with the sample data of a small state's programme.\n";
   if (const int failed = Init(fresh, true); failed != kAllWell) return failed;
-
-  Client client(fresh);
-  const std::shared_ptr<Connection> connection = client.lotrix().Connection();
-  const std::string pin = "P00001";
+  Day day(fresh);
   const std::string today = DateText(Today(std::chrono::system_clock::now));
-  const std::string maker =
-      FirstText(*connection,
-                "SELECT ltrim(rtrim(maker)) FROM pvaccref WHERE vaccine = 'DTAP' AND "
-                "locactiv = .F. AND {" +
-                    today + "} BETWEEN begin AND end");
-  const auto order = [&](const std::string& doses) {
-    ShowCall(client, "manufacturerProviderOrderCreateUpdate",
-             {{"anOrderDate", today},
-              {"aPIN", pin},
-              {"aVaccine", "DTAP"},
-              {"aDoseCount", doses},
-              {"aFundingSource", "1"},
-              {"aMfg", maker}});
-  };
+  const NamedArguments order = {{"anOrderDate", today},  {"aPIN", "p00001"},
+                                {"aVaccine", "DTAP"},    {"aDoseCount", "20"},
+                                {"aFundingSource", "1"}, {"aMfg", "MKRA"}};
+  const std::string ordersOfToday =
+      "SELECT pin, orddate, vaccine, orddose, fcode1, size, cost, maker, chgdate, userid "
+      "FROM neworder WHERE orddate = {" +
+      today + "}";
 
-  ShowCall(client, "vaccineReferenceTableRead", {});
-  std::cout << "\nA provider orders vaccine.\n";
-  std::streamoff seen = SizeOf(log);
-  order("20");
-  ShowTrace(log, seen);
-  ShowOrders(client, pin, today);
+  day.Say("A provider orders vaccine from the manufacturer.");
+  day.Call("manufacturerProviderOrderCreateUpdate", order);
+  day.ShowTrace();
+  day.ShowRows("The order as the database holds it", ordersOfToday);
 
-  std::cout << "\nThe same order again replaces the count.\n";
-  order("30");
-  ShowOrders(client, pin, today);
+  day.Say("The same order again, for 30 doses, replaces the count.");
+  NamedArguments again = order;
+  again[3].second = "30";
+  day.Call("manufacturerProviderOrderCreateUpdate", again);
+  day.ShowRows("The order as the database holds it", ordersOfToday);
 
-  std::cout << "\nAn order for no doses is refused, and so is one for a vaccine nobody knows.\n";
-  order("0");
-  seen = SizeOf(log);
-  ShowCall(client, "manufacturerProviderOrderCreateUpdate",
-           {{"anOrderDate", today},
-            {"aPIN", pin},
-            {"aVaccine", "NOSUCH"},
-            {"aDoseCount", "10"},
-            {"aFundingSource", "1"}});
-  ShowTrace(log, seen);
+  day.Say("A new clinic opens, moves its deliveries, reports its children and its physician.");
+  day.Call("providerProfileUpdate", {{"aPIN", "NEW001"},
+                                     {"aFacilityLastName", "Lantern Street Clinic"},
+                                     {"aShippingContact", "Orla Thistle"},
+                                     {"aShippingAddress1", "1 Lantern St."},
+                                     {"aShippingAddress2", ""},
+                                     {"aShippingCity", "Amberbrook"},
+                                     {"aShippingState", "ZZ"},
+                                     {"aShippingZipCode", "69401"},
+                                     {"aShippingInstructions", ""},
+                                     {"aShippingPhoneNumber", "(217) 555-0100"},
+                                     {"aShippingFaxNumber", ""},
+                                     {"aMailContact", ""},
+                                     {"aMailAddress1", ""},
+                                     {"aMailAddress2", ""},
+                                     {"aMailCity", ""},
+                                     {"aMailState", ""},
+                                     {"aMailZipCode", ""},
+                                     {"aMailPhoneNumber", ""},
+                                     {"aMailFaxNumber", ""},
+                                     {"aVaricellaEligibilityStatus", "True"},
+                                     {"aClassificationCode", "10"}});
+  day.Call("providerShippingDataUpdate", {{"aPIN", "NEW001"},
+                                          {"aFacilityLastName", "Lantern Street Clinic"},
+                                          {"aShippingContact", "Orla Thistle"},
+                                          {"aShippingAddress1", "3 Lantern St."},
+                                          {"aShippingAddress2", "Back door"},
+                                          {"aShippingCity", "Amberbrook"},
+                                          {"aShippingState", "ZZ"},
+                                          {"aShippingZipCode", "69401"},
+                                          {"aShippingInstructions", "Ring twice"},
+                                          {"aPhoneNumber", "(217) 555-0101"},
+                                          {"aFaxNumber", ""},
+                                          {"aTitle", "Ms"}});
+  day.Call("providerAdditionalInfoUpdate", {{"aPIN", "NEW001"},
+                                            {"aProviderType", "CLINIC"},
+                                            {"aClassification", "11"},
+                                            {"aCurrentVFCCert", "January 5, 2026"},
+                                            {"aCohort", "C1"},
+                                            {"aEmpIdNum", "E-100"},
+                                            {"aQuorvin", "yes"}});
+  day.Call("providerEnrollmentAddUpdate", {{"aPIN", "NEW001"},
+                                           {"aSource", "A"},
+                                           {"aAgeGroup", "1"},
+                                           {"aAll", "120"},
+                                           {"aMedicaid", "40"},
+                                           {"aUninsured", "12"},
+                                           {"aAmIndian", "0"},
+                                           {"aFQHC_RHC", "5"},
+                                           {"aVFC", "57"},
+                                           {"aG317", "3"},
+                                           {"aState", "60"}});
+  day.Call("physicianAddUpdate", {{"aPIN", "NEW001"},
+                                  {"aLastName", "Thistle"},
+                                  {"aFirstName", "Orla"},
+                                  {"aMiddleInitial", "B"},
+                                  {"aTitle", "MD"},
+                                  {"aSiteMedID", ""},
+                                  {"aMedicaidNum", ""},
+                                  {"aLicenseNum", "L-77"}});
 
-  std::cout << "\nWhat has been shipped to that provider, and what a depot has in stock.\n";
-  ShowCall(client, "stockTableRead", {{"aPIN", pin}});
-  ShowCall(client, "inventoryOnHandRead", {{"aDepotPIN", "D00001"}, {"aVaccine", "DTAP"}});
-  ShowCall(client, "CheckVaccActive", {{"aVaccine", "DTAP"}});
+  day.Say(
+      "A depot ships, a provider loses two doses of a lot, counts its stock and reports doses.");
+  day.Call("DepotProviderOrderUpdate", {{"aShipmentDate", today},
+                                        {"aDepotID", "D00001"},
+                                        {"aPIN", "NEW001"},
+                                        {"aVaccine", "MMR"},
+                                        {"aDoseCount", "10"},
+                                        {"aLotNumber", "D1046-02"}});
+  const Answer stock = day.Call("stockTableRead", {{"aVaccine", "DTAP"}});
+  const std::string lot = stock.table ? stock.table->GetValue(1, 4) : "";
+  day.Call("providerInventoryAdjustmentUpdate", {{"aDepotPIN", "D00001"},
+                                                 {"anEntryDate", today},
+                                                 {"aTransactionDate", today},
+                                                 {"aTransactionType", "Lo"},
+                                                 {"aPIN", "P00001"},
+                                                 {"aVaccine", "DTAP"},
+                                                 {"aLotNumber", lot},
+                                                 {"aDoseCount", "-2"}});
+  day.Call("provinvAdd",
+           {{"aPIN", "P00001"}, {"aVacc", "DTAP"}, {"aInv", "48"}, {"aIdate", today}});
+  day.Call("DosesAdministeredUpdate", {{"aReportingDate", today},
+                                       {"aPIN", "P00001"},
+                                       {"aVaccine", "DTAP"},
+                                       {"aDoseInSeries", "1"},
+                                       {"aDoseCountLessThanOne", "7"},
+                                       {"aDoseCountForOneYear", "3"},
+                                       {"aTotalDoses", "10"}});
 
-  std::cout << "\nOne read with the whole of its trace.\n";
-  seen = SizeOf(log);
-  ShowCall(client, "inventoryOnHandRead", {{"aDepotPIN", "D00001"}, {"aVaccine", "MMR"}});
-  ShowTrace(log, seen);
+  day.Say("What can be read.");
+  day.Call("vaccineReferenceTableRead", {});
+  day.Call("inventoryOnHandRead", {{"aDepotPIN", "D00001"}, {"aVaccine", "MMR"}});
+  day.ShowTrace();
+  day.Call("manufacturerProviderOrderRead",
+           {{"aPIN", "P00001"}, {"aShipmentBeginDate", "1/1/2000"}, {"aShipmentEndDate", today}});
+  day.Call("CheckVaccActive", {{"aVaccine", "DTAP"}});
+
+  day.Say("What the day has left in the database.");
+  const std::string ours = " WHERE userid = 'LTX_DLL'";
+  day.ShowRows("Providers",
+               "SELECT pin, lastname, address, county, sector, cat1, datevfc, phone, "
+               "active FROM provider" +
+                   ours);
+  day.ShowRows("Enrollment",
+               "SELECT pin, ensource, allkids1, medicaid1, vfckids1, allkids2 "
+               "FROM enroll" +
+                   ours);
+  day.ShowRows("Physicians",
+               "SELECT pin, lastname, firstname, initial, title, medlicense "
+               "FROM physicn WHERE pin = 'NEW001'");
+  day.ShowRows("Orders", ordersOfToday);
+  day.ShowRows("Adjustments",
+               "SELECT dateout, frompin, pin, vaccine, lot, doses, status, notes "
+               "FROM distrib" +
+                   ours);
+  day.ShowRows("Counted stock", "SELECT pin, vaccine, doses, idate FROM provhas" + ours);
+  day.ShowRows("Doses given",
+               "SELECT adate, pin, vaccine, dose, sector, g1, g2, rowtot "
+               "FROM dosesadm" +
+                   ours);
+  if (day.WasRefused()) throw std::runtime_error("the day was to have no refusal until now");
+
+  day.Say("And what is refused, with the words and the number that programs know.");
+  NamedArguments none = order;
+  none[3].second = "0";
+  day.Call("manufacturerProviderOrderCreateUpdate", none);
+  NamedArguments unknown = order;
+  unknown[2].second = "NOSUCH";
+  day.Call("manufacturerProviderOrderCreateUpdate", unknown);
+  day.ShowTrace();
+
+  day.Say("The physician leaves.");
+  day.Call("physicianDeleteByPin", {{"aPIN", "NEW001"}});
   return kAllWell;
 }
 

@@ -68,7 +68,7 @@ int Run(int argc, char** argv) {
   batch->callback([&] { exitCode = lotrix::cli::Batch(common, file); });
 
   CLI::App* const demo = app.add_subcommand("demo", "A working day on a fresh database");
-  demo->callback([&] { exitCode = lotrix::cli::Demo(common); });
+  demo->callback([&] { exitCode = lotrix::cli::Demo(); });
 
   try {
     app.parse(argc, argv);

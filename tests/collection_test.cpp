@@ -169,7 +169,9 @@ TEST(Collection, ANumberThatIsThereIs457) {
 TEST(Collection, KeysAreComparedWithoutCaseInEveryAlphabet) {
   const std::vector<std::pair<std::string, std::string>> pairs{
       {"abc", "ABC"}, {"é", "É"}, {"straße", "STRAßE"}, {"я", "Я"}, {"ÿ", "Ÿ"}, {"ω1", "Ω1"}};
-  for (const auto& [lower, upper] : pairs) {
+  for (const auto& pair : pairs) {
+    const std::string lower = pair.first;
+    const std::string upper = pair.second;
     Collection collection;
     collection.Add(V("x"), lower);
     EXPECT_EQ(collection.Item(upper), V("x")) << upper;

@@ -17,8 +17,8 @@ struct ConnectionSettings {
 };
 
 // Values may stand between apostrophes or quotation marks, which are doubled
-// inside. Throws 80004005 for a text of another shape; no error ever shows a
-// value.
+// inside. Throws 80004005 for a text of another shape, or 3706 when it names no
+// provider until there; no error ever shows a value.
 [[nodiscard]] ConnectionSettings ParseConnectionString(std::string_view text);
 
 }  // namespace lotrix

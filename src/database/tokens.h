@@ -25,8 +25,9 @@ struct Token {
 };
 
 // Reads a statement's template text, which begins with SELECT, INSERT, UPDATE or
-// DELETE. The dialect has no comments, no quoted names and one statement in a
-// text: whatever else stands there is refused with 80040E14.
+// DELETE. There are no quoted names, no parameters and one statement in a text:
+// whatever else stands there is refused with 80040E14. There are no comments
+// either: what looks like one is read as operators.
 [[nodiscard]] std::vector<Token> ReadTokens(std::string_view templateText);
 
 [[nodiscard]] bool IsComparison(const Token& token);
