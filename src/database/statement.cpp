@@ -88,15 +88,13 @@ bool Statement::IsBlank() const {
 
 std::string Statement::text() const {
   std::string text;
-  auto splice = splices_.begin();
-  for (const char c : template_) {
-    if (c == kMark && splice != splices_.end()) {
-      text += (splice++)->value;
-    } else {
-      text += c;
-    }
+  std::string_view rest = template_;
+  for (const Splice& splice : splices_) {
+    const std::size_t mark = rest.find(kMark);
+    text.append(rest.substr(0, mark)).append(splice.value);
+    rest.remove_prefix(mark + 1);
   }
-  return text;
+  return text.append(rest);
 }
 
 void RequireShape(const Statement& statement) {

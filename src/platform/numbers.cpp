@@ -216,8 +216,20 @@ Reading ReadDouble(std::string_view text, double& value) {
   return Reading::kNumber;
 }
 
+// Almost every number that comes in is one to nine digits and nothing else.
+bool IsPlainShortNumber(std::string_view text) {
+  return !text.empty() && text.size() <= 9 &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 template <typename Whole, typename Bits>
 Whole TextToWhole(std::string_view text) {
+  if (IsPlainShortNumber(text)) {
+    std::int32_t whole = 0;
+    for (const char c : text) whole = whole * 10 + (c - '0');
+    if (whole > std::numeric_limits<Whole>::max()) RaiseRuntimeError(RuntimeError::kOverflow);
+    return static_cast<Whole>(whole);
+  }
   text = UpToNul(text);
   if (const auto decimal = ReadDecimal(text)) {
     const auto rounded = RoundedWhole(*decimal);
@@ -236,6 +248,7 @@ Whole TextToWhole(std::string_view text) {
 }  // namespace
 
 bool IsNumeric(std::string_view text) {
+  if (IsPlainShortNumber(text)) return true;
   double value = 0;
   return ReadDouble(text, value) == Reading::kNumber;
 }
