@@ -56,10 +56,16 @@ std::vector<Published> ParametersOf(const Member& member) {
   return parameters;
 }
 
+Published OptionalVariant(const std::string& name) {
+  return {name, ParameterType::kVariant, true, std::nullopt};
+}
+Published OptionalCount(const std::string& name) { return {name, ParameterType::kLong, true, "0"}; }
+
 void ExpectMember(const std::string& name, std::uint32_t dispatchId, MemberKind kind,
-                  const std::vector<Published>& parameters) {
+                  const std::vector<Published>& parameters, const std::string& result = {}) {
   SCOPED_TRACE(name);
   const Member& member = MemberNamed(name);
+  EXPECT_EQ(member.result, result);
   EXPECT_EQ(member.name, name);
   EXPECT_EQ(member.dispatchId, dispatchId);
   EXPECT_EQ(member.kind, kind);
@@ -69,7 +75,7 @@ void ExpectMember(const std::string& name, std::uint32_t dispatchId, MemberKind 
 // --- The table ----------------------------------------------------------------
 
 TEST(Members, TheConnectionMembers) {
-  ExpectMember("Connection", 0x68030000, MemberKind::kPropertyGet, {});
+  ExpectMember("Connection", 0x68030000, MemberKind::kPropertyGet, {}, "ADODB.Connection");
   ExpectMember("openConnection", 0x60030002, MemberKind::kMethod, {Required("aConnectionString")});
   ExpectMember("closeConnection", 0x60030003, MemberKind::kMethod, {});
 }
@@ -77,13 +83,15 @@ TEST(Members, TheConnectionMembers) {
 TEST(Members, TheReads) {
   ExpectMember("manufacturerProviderOrderRead", 0x60030008, MemberKind::kMethod,
                {Required("aPIN"), Required("aShipmentBeginDate"), Optional("aVaccine"),
-                Optional("aLotNumber"), Optional("aShipmentEndDate")});
+                Optional("aLotNumber"), Optional("aShipmentEndDate")},
+               "cResultSet");
   ExpectMember("stockTableRead", 0x60030009, MemberKind::kMethod,
                {Optional("aPIN"), Optional("aVaccine"), Optional("aLotNumber"),
-                Optional("aShipmentBeginDate"), Optional("aShipmentEndDate")});
-  ExpectMember("vaccineReferenceTableRead", 0x6003000A, MemberKind::kMethod, {});
+                Optional("aShipmentBeginDate"), Optional("aShipmentEndDate")},
+               "cResultSet");
+  ExpectMember("vaccineReferenceTableRead", 0x6003000A, MemberKind::kMethod, {}, "cResultSet");
   ExpectMember("inventoryOnHandRead", 0x6003000B, MemberKind::kMethod,
-               {Required("aDepotPIN"), Optional("aVaccine")});
+               {Required("aDepotPIN"), Optional("aVaccine")}, "cResultSet");
   ExpectMember("CheckVaccActive", 0x60030018, MemberKind::kMethod, {Required("aVaccine")});
 }
 
@@ -94,16 +102,134 @@ TEST(Members, TheManufacturerOrder) {
                 OptionalOne("anExcessAllowance"), Optional("aStatePO"), Optional("aMfg")});
 }
 
+TEST(Members, TheProviderProfile) {
+  ExpectMember("providerProfileUpdate", 0x6003000D, MemberKind::kMethod,
+               {Required("aPIN"),
+                Required("aFacilityLastName"),
+                Required("aShippingContact"),
+                Required("aShippingAddress1"),
+                Required("aShippingAddress2"),
+                Required("aShippingCity"),
+                Required("aShippingState"),
+                Required("aShippingZipCode"),
+                Required("aShippingInstructions"),
+                Required("aShippingPhoneNumber"),
+                Required("aShippingFaxNumber"),
+                Required("aMailContact"),
+                Required("aMailAddress1"),
+                Required("aMailAddress2"),
+                Required("aMailCity"),
+                Required("aMailState"),
+                Required("aMailZipCode"),
+                Required("aMailPhoneNumber"),
+                Required("aMailFaxNumber"),
+                Required("aVaricellaEligibilityStatus", ParameterType::kBoolean),
+                OptionalVariant("aClassificationCode"),
+                OptionalVariant("aVFCCertificationDate"),
+                OptionalVariant("aPhoneExtension"),
+                OptionalVariant("aFirstName"),
+                OptionalVariant("aMiddleInitial"),
+                OptionalVariant("aTitle"),
+                OptionalVariant("aParentProviderID"),
+                OptionalVariant("anAdditionalID"),
+                OptionalVariant("anActiveStatus"),
+                OptionalVariant("aSubdivision"),
+                OptionalVariant("aCategory1"),
+                OptionalVariant("aCategory2"),
+                OptionalVariant("aCategory3")});
+}
+
+TEST(Members, TheInventoryAdjustment) {
+  ExpectMember("providerInventoryAdjustmentUpdate", 0x6003000E, MemberKind::kMethod,
+               {Required("aDepotPIN"), Required("anEntryDate"), Required("aTransactionDate"),
+                Required("aTransactionType"), Required("aPIN"), Required("aVaccine"),
+                Required("aLotNumber"), Required("aDoseCount", ParameterType::kLong)});
+}
+
+TEST(Members, TheShippingData) {
+  ExpectMember("providerShippingDataUpdate", 0x6003000F, MemberKind::kMethod,
+               {Required("aPIN"), Required("aFacilityLastName"), Required("aShippingContact"),
+                Required("aShippingAddress1"), Required("aShippingAddress2"),
+                Required("aShippingCity"), Required("aShippingState"), Required("aShippingZipCode"),
+                Required("aShippingInstructions"), Required("aPhoneNumber"), Required("aFaxNumber"),
+                OptionalVariant("aPhoneExtension"), OptionalVariant("aFirstName"),
+                OptionalVariant("aMiddleInitial"), OptionalVariant("aTitle")});
+}
+
+TEST(Members, TheDosesAdministered) {
+  ExpectMember("DosesAdministeredUpdate", 0x60030011, MemberKind::kMethod,
+               {Required("aReportingDate"),
+                Required("aPIN"),
+                Required("aVaccine"),
+                Required("aDoseInSeries"),
+                OptionalOne("aSector"),
+                OptionalCount("aDoseCountLessThanOne"),
+                OptionalCount("aDoseCountForOneYear"),
+                OptionalCount("aDoseCountForTwoYears"),
+                OptionalCount("aDoseCountForThreetoFourYears"),
+                OptionalCount("aDoseCountForFiveYears"),
+                OptionalCount("aDoseCountForSixtoNineYears"),
+                OptionalCount("aDoseCountForTentoFourteenYears"),
+                OptionalCount("aDoseCountForFifteentoNineteenYears"),
+                OptionalCount("aDoseCountForTwentytoTwentyFourYears"),
+                OptionalCount("aDoseCountForTwentyFivetoFourtyFourYears"),
+                OptionalCount("aDoseCountForFourtyFivetoSixtyFourYears"),
+                OptionalCount("aDoseCountForGreaterThanSixtyFiveYears"),
+                OptionalCount("anUnknown"),
+                OptionalCount("aTotalDoses"),
+                OptionalCount("aUserDefinedCategory1"),
+                OptionalCount("aUserDefinedCategory2"),
+                OptionalCount("aUserDefinedCategory3")});
+}
+
+TEST(Members, TheDepotOrder) {
+  ExpectMember("DepotProviderOrderUpdate", 0x60030012, MemberKind::kMethod,
+               {Required("aShipmentDate"), Required("aDepotID"), Required("aPIN"),
+                Required("aVaccine"), Required("aDoseCount", ParameterType::kLong),
+                Required("aLotNumber"), OptionalOne("anExcessAllow"), Optional("anOrderDate")});
+}
+
+TEST(Members, TheEnrollment) {
+  ExpectMember("providerEnrollmentAddUpdate", 0x60030013, MemberKind::kMethod,
+               {Required("aPIN"), Required("aSource"), Required("aAgeGroup"), Required("aAll"),
+                Required("aMedicaid"), Required("aUninsured"), Required("aAmIndian"),
+                Required("aFQHC_RHC"), Required("aVFC"), Required("aG317"), Required("aState")});
+}
+
+TEST(Members, TheAdditionalInformation) {
+  ExpectMember("providerAdditionalInfoUpdate", 0x60030014, MemberKind::kMethod,
+               {Required("aPIN"), Required("aProviderType"), Required("aClassification"),
+                Required("aCurrentVFCCert"), Required("aCohort"), Required("aEmpIdNum"),
+                Required("aQuorvin")});
+}
+
+TEST(Members, ThePhysicians) {
+  ExpectMember("physicianAddUpdate", 0x60030015, MemberKind::kMethod,
+               {Required("aPIN"), Required("aLastName"), Required("aFirstName"),
+                Required("aMiddleInitial"), Required("aTitle"), Required("aSiteMedID"),
+                Required("aMedicaidNum"), Required("aLicenseNum")});
+  ExpectMember("physicianDeleteByPin", 0x60030017, MemberKind::kMethod, {Required("aPIN")});
+}
+
+TEST(Members, TheCountedInventory) {
+  ExpectMember("provinvAdd", 0x60030016, MemberKind::kMethod,
+               {Required("aPIN"), Required("aVacc"), Required("aInv"), Required("aIdate")});
+}
+
 TEST(Members, WhichOfThemAnswer) {
   for (const char* const read : {"manufacturerProviderOrderRead", "stockTableRead",
                                  "vaccineReferenceTableRead", "inventoryOnHandRead"}) {
     EXPECT_EQ(MemberNamed(read).result, "cResultSet") << read;
   }
   for (const char* const other : {"openConnection", "closeConnection", "CheckVaccActive",
-                                  "manufacturerProviderOrderCreateUpdate"}) {
+                                  "manufacturerProviderOrderCreateUpdate", "providerProfileUpdate",
+                                  "providerInventoryAdjustmentUpdate", "providerShippingDataUpdate",
+                                  "DosesAdministeredUpdate", "DepotProviderOrderUpdate",
+                                  "providerEnrollmentAddUpdate", "providerAdditionalInfoUpdate",
+                                  "physicianAddUpdate", "provinvAdd", "physicianDeleteByPin"}) {
     EXPECT_EQ(MemberNamed(other).result, "") << other;
   }
-  EXPECT_NE(MemberNamed("Connection").result, "");
+  EXPECT_EQ(MemberNamed("Connection").result, "ADODB.Connection");
 }
 
 TEST(Members, TheTypesHaveTheirPublishedNames) {
@@ -138,15 +264,19 @@ const std::vector<std::pair<std::string, std::uint32_t>>& Interface() {
   return members;
 }
 
-TEST(Members, StandInInterfaceOrderUnderTheirOwnIdentifiers) {
-  std::size_t next = 0;
+TEST(Members, AreExactlyNineteenInInterfaceOrderUnderTheirOwnIdentifiers) {
+  std::vector<std::pair<std::string, std::uint32_t>> members;
   for (const Member& member : Members()) {
-    while (next < Interface().size() && Interface()[next].first != member.name) ++next;
-    ASSERT_LT(next, Interface().size()) << member.name << " is not published, or out of order";
-    EXPECT_EQ(member.dispatchId, Interface()[next].second) << member.name;
-    ++next;
+    members.emplace_back(std::string(member.name), member.dispatchId);
   }
-  EXPECT_GE(Members().size(), 9U);
+  EXPECT_EQ(members.size(), 19U);
+  EXPECT_EQ(members, Interface());
+}
+
+TEST(Members, OnlyTheConnectionIsAProperty) {
+  for (const Member& member : Members()) {
+    EXPECT_EQ(member.kind == MemberKind::kPropertyGet, member.name == "Connection") << member.name;
+  }
 }
 
 TEST(Members, RequiredParametersStandBeforeOptionalOnes) {
@@ -353,6 +483,207 @@ TEST_F(MemberCalls, TheReadsTakeTheirArgumentsInTheirOwnOrders) {
   InOrder("manufacturerProviderOrderRead",
           {Text("P1"), Text("1/1/2004"), Text("HEPA"), Text("A1"), Text("1/31/2004")});
   EXPECT_EQ(Statements().back(), query);
+}
+
+// Every argument of a write has a value of its own, so that none can take the place
+// of another.
+TEST_F(MemberCalls, TheProfilesArgumentsReachTheirColumns) {
+  Execute(
+      "INSERT INTO sectoref (sector) VALUES (17); INSERT INTO subdiv (subdiv) VALUES ('NORTH');"
+      "INSERT INTO nextid (ctablename, inextid) VALUES ('PROVIDER', 40)");
+  const Arguments arguments = {Text("NEW1"),
+                               Text("NAME"),
+                               Text("CONTACT"),
+                               Text("LINE1"),
+                               Text("LINE2"),
+                               Text("CITY"),
+                               Text("ST"),
+                               Text("62701"),
+                               Text("NOTE"),
+                               Text("(217) 555-0101"),
+                               Text("(217) 555-0102"),
+                               Text("MCONTACT"),
+                               Text("MLINE1"),
+                               Text("MLINE2"),
+                               Text("MCITY"),
+                               Text("MS"),
+                               Text("62702"),
+                               Text("(217) 555-0103"),
+                               Text("(217) 555-0104"),
+                               Value(true),
+                               Number(17),
+                               Text("1/5/2004"),
+                               Text("EXT"),
+                               Text("FIRST"),
+                               Text("I"),
+                               Text("TITLE"),
+                               Text("LINK"),
+                               Text("ALPHA"),
+                               Text("N"),
+                               Text("NORTH"),
+                               Text("C1"),
+                               Text("C2"),
+                               Text("C3")};
+  EXPECT_TRUE(std::holds_alternative<Empty>(InOrder("providerProfileUpdate", arguments)));
+  const std::string columns =
+      "SELECT lastname, contact, address, addres2, city, state, zipcode, note, phone, fax, "
+      "ml_contact, ml_address, ml_addres2, ml_city, ml_state, ml_zipcode, phone2, fax2, codes, "
+      "sector, datevfc, extension, firstname, initial, title, linkpin, alphaid, active, subdiv, "
+      "cat1, cat2, cat3 FROM provider WHERE pin = ";
+  const Row values = {"NAME",
+                      "CONTACT",
+                      "LINE1",
+                      "LINE2",
+                      "CITY",
+                      "ST",
+                      "62701",
+                      "NOTE",
+                      "(217) 555-0101",
+                      "(217) 555-0102",
+                      "MCONTACT",
+                      "MLINE1",
+                      "MLINE2",
+                      "MCITY",
+                      "MS",
+                      "62702",
+                      "(217) 555-0103",
+                      "(217) 555-0104",
+                      "V",
+                      "17",
+                      "2004-01-05",
+                      "EXT",
+                      "FIRST",
+                      "I",
+                      "TITLE",
+                      "LINK",
+                      "ALPHA",
+                      "N",
+                      "NORTH",
+                      "C1",
+                      "C2",
+                      "C3"};
+  EXPECT_EQ(Query(columns + "'NEW1'"), std::vector<Row>{values});
+
+  NamedArguments named;
+  const Member& member = MemberNamed("providerProfileUpdate");
+  for (std::size_t index = arguments.size(); index-- > 0;) {
+    named.emplace_back(std::string(member.parameters[index].name), arguments[index]);
+  }
+  named.back().second = Text("NEW2");
+  ByName("providerProfileUpdate", named);
+  EXPECT_EQ(Query(columns + "'NEW2'"), std::vector<Row>{values});
+}
+
+TEST_F(MemberCalls, AnOmittedVariantIsMissingAndNotEmpty) {
+  Execute(
+      "UPDATE provider SET extension = '1', firstname = '2', initial = '3', title = '4' "
+      "WHERE pin = 'P1'");
+  Arguments arguments = {Text("P1"),
+                         Text("NAME"),
+                         Text("CONTACT"),
+                         Text("LINE1"),
+                         Text("LINE2"),
+                         Text("CITY"),
+                         Text("ST"),
+                         Text("62701"),
+                         Text("NOTE"),
+                         Text("(217) 555-0101"),
+                         Text("(217) 555-0102")};
+  const std::string query =
+      "SELECT extension, firstname, initial, title FROM provider WHERE pin = 'P1'";
+  InOrder("providerShippingDataUpdate", arguments);
+  EXPECT_EQ(Query(query), (std::vector<Row>{{"1", "2", "3", "4"}}));
+  arguments.insert(arguments.end(), {Text(""), std::nullopt, Text("x"), std::nullopt});
+  InOrder("providerShippingDataUpdate", arguments);
+  EXPECT_EQ(Query(query), (std::vector<Row>{{"", "2", "X", "4"}}));
+}
+
+TEST_F(MemberCalls, TheShippingDatasArgumentsReachTheirColumns) {
+  InOrder("providerShippingDataUpdate",
+          {Text("P1"), Text("NAME"), Text("CONTACT"), Text("LINE1"), Text("LINE2"), Text("CITY"),
+           Text("ST"), Text("62701"), Text("NOTE"), Text("(217) 555-0101"), Text("(217) 555-0102"),
+           Text("EXT"), Text("FIRST"), Text("I"), Text("TITLE")});
+  EXPECT_EQ(Query("SELECT lastname, contact, address, addres2, city, state, zipcode, note, phone, "
+                  "fax, extension, firstname, initial, title FROM provider WHERE pin = 'P1'"),
+            (std::vector<Row>{{"NAME", "CONTACT", "LINE1", "LINE2", "CITY", "ST", "62701", "NOTE",
+                               "(217) 555-0101", "(217) 555-0102", "EXT", "FIRST", "I", "TITLE"}}));
+}
+
+TEST_F(MemberCalls, TheDosesArgumentsReachTheirColumns) {
+  Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('DOSESADM', 40)");
+  Arguments arguments = {Text("1/5/2004"), Text("P1"), Text("HEPA"), Text("2"), Text("2")};
+  for (std::int64_t group = 1; group <= 13; ++group) arguments.push_back(Number(group));
+  arguments.insert(arguments.end(), {Number(91), Number(101), Number(102), Number(103)});
+  InOrder("DosesAdministeredUpdate", arguments);
+  InOrder("DosesAdministeredUpdate", {Text("1/6/2004"), Text("P1"), Text("HEPA"), Text("2")});
+  EXPECT_EQ(
+      Query("SELECT adate, pin, vaccine, dose, sector, g1, g2, g3, g4, g5, g6, g7, g8, g9, g10, "
+            "g11, g12, g13, rowtot, dauzr1, dauzr2, dauzr3 FROM dosesadm ORDER BY adate"),
+      (std::vector<Row>{
+          {"2004-01-05", "P1", "HEPA", "2",  "2",  "1",  "2",  "3",  "4",   "5",   "6",
+           "7",          "8",  "9",    "10", "11", "12", "13", "91", "101", "102", "103"},
+          {"2004-01-06", "P1", "HEPA", "2", "1", "0", "0", "0", "0", "0", "0",
+           "0",          "0",  "0",    "0", "0", "0", "0", "0", "0", "0", "0"}}));
+}
+
+TEST_F(MemberCalls, TheAdjustmentsArgumentsReachTheirColumns) {
+  Execute("INSERT INTO actref (status, action) VALUES ('RE', 2)");
+  InOrder("providerInventoryAdjustmentUpdate",
+          {Text("D01"), Text("1/5/2004"), Text("1/6/2004"), Text("RE"), Text("P1"), Text("HEPA"),
+           Text("A1"), Number(7)});
+  EXPECT_EQ(Query("SELECT frompin, input, dateout, action, pin, vaccine, lot, doses FROM distrib"),
+            (std::vector<Row>{{"D01", "2004-01-05", "2004-01-06", "2", "P1", "HEPA", "A1", "7"}}));
+}
+
+TEST_F(MemberCalls, TheDepotOrdersArgumentsReachTheirColumns) {
+  Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('DISTRIB', 1), ('SEEKDIST', 1)");
+  const Arguments arguments = {Text("1/5/2004"), Text("D01"), Text("P1"), Text("HEPA"),
+                               Number(20),       Text("A1"),  Text("5"),  Text("1/4/2004")};
+  InOrder("DepotProviderOrderUpdate", arguments);
+  EXPECT_EQ(Query("SELECT orddate, pin, vaccine, orddose FROM neworder"),
+            (std::vector<Row>{{"2004-01-05", "P1", "HEPA", "20"}}));
+  // The depot and the lot show in the distribution that they find.
+  Execute(
+      "INSERT INTO distrib (frompin, pin, vaccine, lot, dateout, action, doses) VALUES "
+      "('D01', 'P1', 'HEPA', 'A1', '2004-01-05', 1, 7)");
+  InOrder("DepotProviderOrderUpdate", arguments);
+  EXPECT_EQ(Query("SELECT doses FROM distrib"), (std::vector<Row>{{"27"}}));
+  EXPECT_EQ(Query("SELECT count(*) FROM neworder"), (std::vector<Row>{{"1"}}));
+}
+
+TEST_F(MemberCalls, TheEnrollmentsArgumentsReachTheirColumns) {
+  InOrder("providerEnrollmentAddUpdate",
+          {Text("P1"), Text("B"), Text("3"), Text("11"), Text("12"), Text("13"), Text("14"),
+           Text("15"), Text("16"), Text("17"), Text("18")});
+  EXPECT_EQ(Query("SELECT pin, ensource, allkids3, medicaid3, uninsured3, amindian3, fqhc_rhc3, "
+                  "vfckids3, g317kids3, statekids3 FROM enroll"),
+            (std::vector<Row>{{"P1", "B", "11", "12", "13", "14", "15", "16", "17", "18"}}));
+}
+
+TEST_F(MemberCalls, TheAdditionalInformationsArgumentsReachTheirColumns) {
+  InOrder("providerAdditionalInfoUpdate", {Text("P1"), Text("TYPE"), Text("17"), Text("1/5/2004"),
+                                           Text("COHORT"), Text("EMP"), Text("NO")});
+  EXPECT_EQ(
+      Query("SELECT cat2, sector, datevfc, cat4, alphaid, cat1 FROM provider WHERE pin = 'P1'"),
+      (std::vector<Row>{{"TYPE", "17", "2004-01-05", "COHORT", "EMP", "NO"}}));
+}
+
+TEST_F(MemberCalls, ThePhysiciansArgumentsReachTheirColumns) {
+  InOrder("physicianAddUpdate", {Text("P1"), Text("LAST"), Text("FIRST"), Text("I"), Text("TITLE"),
+                                 Text("SITE"), Text("MEDICAID"), Text("LICENSE")});
+  EXPECT_EQ(
+      Query("SELECT pin, lastname, firstname, initial, title, other1, medicaidno, "
+            "medlicense FROM physicn"),
+      (std::vector<Row>{{"P1", "LAST", "FIRST", "I", "TITLE", "SITE", "MEDICAID", "LICENSE"}}));
+  InOrder("physicianDeleteByPin", {Text("P1")});
+  EXPECT_EQ(Query("SELECT count(*) FROM physicn"), (std::vector<Row>{{"0"}}));
+}
+
+TEST_F(MemberCalls, TheCountedInventorysArgumentsReachTheirColumns) {
+  Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('PROVHAS', 40)");
+  InOrder("provinvAdd", {Text("P1"), Text("HEPA"), Text("12"), Text("1/5/2004")});
+  EXPECT_EQ(Query("SELECT pin, vaccine, doses, idate, provhasid FROM provhas"),
+            (std::vector<Row>{{"P1", "HEPA", "12", "2004-01-05", "41"}}));
 }
 
 TEST_F(MemberCalls, AnOmittedOptionalTextIsTheEmptyText) {

@@ -130,15 +130,14 @@ TEST_F(RecordRoutines, AStoredEnrollmentPinIsTrimmedAndTheGivenOneIsNot) {
   EXPECT_FALSE(ValidateEnrollmentRecord(log(), " P1", open));
   EXPECT_FALSE(ValidateEnrollmentRecord(log(), "p1", open));
   EXPECT_FALSE(ValidateEnrollmentRecord(log(), "", open));
-  EXPECT_EQ(Statements(), (Lines{EnrollmentQuery("P1"), EnrollmentQuery("P1  "),
-                                 EnrollmentQuery(" P1"), EnrollmentQuery("p1"),
-                                 EnrollmentQuery("")}));
+  EXPECT_EQ(Statements(),
+            (Lines{EnrollmentQuery("P1"), EnrollmentQuery("P1  "), EnrollmentQuery(" P1"),
+                   EnrollmentQuery("p1"), EnrollmentQuery("")}));
 }
 
 TEST_F(RecordRoutines, AnEnrollmentCountOfNoneOrSeveralRecordsIsRefused) {
-  for (const Records& records :
-       {Records{}, Records{std::int64_t{1}, std::int64_t{1}},
-        Records{std::int64_t{0}, std::int64_t{0}, std::int64_t{0}}}) {
+  for (const Records& records : {Records{}, Records{std::int64_t{1}, std::int64_t{1}},
+                                 Records{std::int64_t{0}, std::int64_t{0}, std::int64_t{0}}}) {
     SCOPED_TRACE(records.size());
     Connection& open = Answering(records);
     ExpectRefused([&] { static_cast<void>(ValidateEnrollmentRecord(log(), "P1", open)); },
@@ -265,9 +264,8 @@ TEST_F(RecordRoutines, APhysiciansValuesAreSplicedAsPassed) {
 }
 
 TEST_F(RecordRoutines, APhysicianCountOfNoneOrSeveralRecordsIsRefused) {
-  for (const Records& records :
-       {Records{}, Records{std::int64_t{1}, std::int64_t{1}},
-        Records{std::int64_t{0}, std::int64_t{0}, std::int64_t{0}}}) {
+  for (const Records& records : {Records{}, Records{std::int64_t{1}, std::int64_t{1}},
+                                 Records{std::int64_t{0}, std::int64_t{0}, std::int64_t{0}}}) {
     SCOPED_TRACE(records.size());
     Connection& open = Answering(records);
     ExpectRefused(
@@ -309,8 +307,8 @@ TEST_F(RecordRoutines, WithoutThePhysicianTableTheEnginesErrorPasses) {
   Execute("DROP TABLE physicn");
   Connection& open = Watched();
   ForgetTrace();
-  const Error error = Refusal(
-      [&] { static_cast<void>(ValidatePhysicnRecord(log(), "P1", "SMITH", "ANN", open)); });
+  const Error error =
+      Refusal([&] { static_cast<void>(ValidatePhysicnRecord(log(), "P1", "SMITH", "ANN", open)); });
   EXPECT_EQ(error.number(), Numbered(EngineError::kNoSuchTable));
   EXPECT_EQ(error.source(), "LOTRIX DLL");
   EXPECT_EQ(Trace(), (Lines{"information Begin: ValidatePhysicnRecord()",

@@ -29,6 +29,7 @@ struct Date {
   std::int16_t year;
   std::uint8_t month;
   std::uint8_t day;
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check misreads a defaulted comparison
   auto operator<=>(const Date&) const = default;
 };
 // The day that a date value of zero stands for.
@@ -43,10 +44,9 @@ using Value = std::variant<Empty, Null, bool, std::int64_t, double, Date, std::s
 class Variant {
  public:
   Variant() = default;
-  template <class T>
-    requires std::constructible_from<Value, T>
-  Variant(T&& value)  // NOLINT(google-explicit-constructor): arguments are values
-      : value_(Checked(Value(std::forward<T>(value)))) {}
+  template <std::convertible_to<Value> T>
+  // NOLINTNEXTLINE(google-explicit-constructor): arguments are values
+  Variant(T value) : value_(Checked(Value(std::move(value)))) {}
 
   [[nodiscard]] bool IsMissing() const { return !value_; }
   // Of one that is not missing.

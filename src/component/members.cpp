@@ -14,6 +14,13 @@ namespace lotrix {
 
 namespace {
 
+// Whatever it is converted to, a text has to be valid UTF-8.
+const Value& Given(const Argument& argument) {
+  const auto* const text = std::get_if<std::string>(&*argument);
+  if (text != nullptr && !IsValidUtf8(*text)) RaiseRuntimeError(RuntimeError::kInvalidArgument);
+  return *argument;
+}
+
 // The type of an argument in the member's signature, and its conversion from an
 // argument that is given. Only a Variant can be asked whether it was.
 template <class Taken>
@@ -22,19 +29,19 @@ struct Conversion;
 template <>
 struct Conversion<Text> {
   static constexpr ParameterType kType = ParameterType::kString;
-  static Text From(const Argument& argument) { return ToText(*argument); }
+  static Text From(const Argument& argument) { return ToText(Given(argument)); }
 };
 
 template <>
 struct Conversion<std::int32_t> {
   static constexpr ParameterType kType = ParameterType::kLong;
-  static std::int32_t From(const Argument& argument) { return ToLong(*argument); }
+  static std::int32_t From(const Argument& argument) { return ToLong(Given(argument)); }
 };
 
 template <>
 struct Conversion<bool> {
   static constexpr ParameterType kType = ParameterType::kBoolean;
-  static bool From(const Argument& argument) { return ToLogical(*argument); }
+  static bool From(const Argument& argument) { return ToLogical(Given(argument)); }
 };
 
 template <>
@@ -46,7 +53,7 @@ struct Conversion<Variant> {
     if (std::holds_alternative<std::shared_ptr<Collection>>(*argument)) {
       RaiseRuntimeError(RuntimeError::kTypeMismatch);
     }
-    return *argument;
+    return Given(argument);
   }
 };
 
@@ -106,6 +113,14 @@ Member Published(std::string_view name, std::uint32_t dispatchId,
   return {name,   dispatchId,
           kind,   Signature<kMethod>::Parameters(parameters),
           result, &Signature<kMethod>::Invoke};
+}
+
+// The number of parameters when there is none of that name.
+std::size_t IndexOf(const Member& member, std::string_view parameterName) {
+  const auto found =
+      std::find_if(member.parameters.begin(), member.parameters.end(),
+                   [&](const Parameter& p) { return EqualWithoutCase(p.name, parameterName); });
+  return static_cast<std::size_t>(found - member.parameters.begin());
 }
 
 std::vector<Member> MakeMembers() {
@@ -267,13 +282,8 @@ CallResult Call(cLotrix& service, const Member& member, const NamedArguments& ar
   std::vector<Argument> inOrder(member.parameters.size());
   std::vector<bool> given(member.parameters.size());
   for (const auto& [name, argument] : arguments) {
-    const auto parameter =
-        std::find_if(member.parameters.begin(), member.parameters.end(),
-                     [&](const Parameter& p) { return EqualWithoutCase(p.name, name); });
-    if (parameter == member.parameters.end()) {
-      RaiseRuntimeError(RuntimeError::kUnknownArgumentName);
-    }
-    const auto index = static_cast<std::size_t>(parameter - member.parameters.begin());
+    const std::size_t index = IndexOf(member, name);
+    if (index == member.parameters.size()) RaiseRuntimeError(RuntimeError::kUnknownArgumentName);
     if (given[index]) RaiseRuntimeError(RuntimeError::kInvalidArgument);
     given[index] = true;
     inOrder[index] = argument;

@@ -17,7 +17,7 @@ namespace {
 
 // Enough for any one operation; more is handed over in the middle of a call, at
 // the end of a line.
-constexpr std::size_t kMostGathered = 256 * 1024;
+constexpr std::size_t kMostGathered = 256UL * 1024;
 
 std::string EnvironmentText(const char* name) {
   const char* value = std::getenv(name);

@@ -43,9 +43,10 @@ struct Enrollment {
   TextCell pin, ensource;
   Day chgdate;
   TextCell userid;
-  std::array<EnrollmentGroup, 4> groups = {
-      {{0, 0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0, 0},
-       {0, 0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0, 0}}};
+  std::array<EnrollmentGroup, 4> groups = {{{0, 0, 0, 0, 0, 0, 0, 0, 0},
+                                            {0, 0, 0, 0, 0, 0, 0, 0, 0},
+                                            {0, 0, 0, 0, 0, 0, 0, 0, 0},
+                                            {0, 0, 0, 0, 0, 0, 0, 0, 0}}};
 };
 
 struct Physician {
@@ -185,16 +186,16 @@ using Row = std::vector<std::string>;
 struct ResultTable {
   Row headers;
   // In order; the rows of one group may stand in any order among themselves.
-  std::vector<std::vector<Row>> groups;
+  std::vector<std::vector<Row>> groups{};
 };
 
 struct Verdict {
   bool accepted = true;
   std::int32_t number = 0;
-  std::string source;                  // empty where it is not looked at
-  std::optional<std::string> message;  // only where the text is fixed
-  std::optional<ResultTable> table;    // of a read
-  std::optional<std::string> shown;    // of CheckVaccActive
+  std::string source{};                  // empty where it is not looked at
+  std::optional<std::string> message{};  // only where the text is fixed
+  std::optional<ResultTable> table{};    // of a read
+  std::optional<std::string> shown{};    // of CheckVaccActive
 };
 
 // Runs one call on the tables.
@@ -209,8 +210,8 @@ struct Column {
 // A table as texts: numbers as NumberText, days yyyy-mm-dd, logicals 0 or 1.
 struct TableContents {
   std::string name;
-  std::vector<Column> columns;
-  std::vector<Row> rows;
+  std::vector<Column> columns{};
+  std::vector<Row> rows{};
 };
 [[nodiscard]] std::vector<TableContents> Contents(const Tables& tables);
 [[nodiscard]] std::string NumberText(double number);

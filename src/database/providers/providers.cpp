@@ -30,6 +30,7 @@ std::string_view Version() { return LOTRIX_VERSION; }
 
 std::vector<std::string> Engines() {
   std::vector<std::string> engines;
+  engines.reserve(kProviders.size());
   for (const Provider& provider : kProviders) engines.push_back(provider.engine());
   return engines;
 }
