@@ -6,6 +6,21 @@
 
 namespace lotrix::cli {
 
+namespace {
+
+// A connection string that is no text is refused like an argument that is none.
+Answer CallOnce(const Common& common, const std::string& operation,
+                const NamedArguments& arguments) {
+  try {
+    Client client(common);
+    return client.Call(operation, arguments);
+  } catch (const Error& error) {
+    return {.error = error, .table = {}, .message = {}};
+  }
+}
+
+}  // namespace
+
 int Call(const Common& common, const std::string& operation,
          const std::vector<std::string>& arguments, bool json) {
   NamedArguments named;
@@ -17,8 +32,7 @@ int Call(const Common& common, const std::string& operation,
     }
     named.emplace_back(argument.substr(0, equals), argument.substr(equals + 1));
   }
-  Client client(common);
-  const Answer answer = client.Call(operation, named);
+  const Answer answer = CallOnce(common, operation, named);
   if (json) {
     WriteAnswer(std::cout, nullptr, answer);
   } else if (answer.error) {

@@ -86,7 +86,7 @@ class Day {
 int Demo() {
   const DemoFolder folder;
   const Common fresh{
-      .connectionString = "Provider=SQLite;Data Source=" + folder.path() + "/demo.db",
+      .connectionString = "Provider=SQLite;Data Source=\"" + folder.path() + "/demo.db\"",
       .logPath = folder.path() + "/Lotrix.log"};
   std::cout << "A fresh embedded database with the sample data of a small state's programme.\n";
   if (const int failed = Init(fresh, true); failed != kAllWell) return failed;

@@ -16,14 +16,20 @@ Error Malformed(const std::string& why) {
   return {static_cast<std::int32_t>(RuntimeError::kInvalidArgument), why};
 }
 
-// Nothing when the text is no JSON, or is nested too deeply.
+// No member takes as many arguments, and an object's names are looked through one
+// by one.
+constexpr int kMostNames = 1000;
+
+// Nothing when the text is no JSON, is nested too deeply or has too many names.
 std::optional<Json> Parse(const std::string& text) {
-  const auto notTooDeep = [](int depth, Json::parse_event_t /*event*/, Json& /*parsed*/) {
-    if (depth > kDeepest) throw Malformed("nested too deeply");
+  int names = 0;
+  const auto withinBounds = [&](int depth, Json::parse_event_t event, Json& /*parsed*/) {
+    if (event == Json::parse_event_t::key) ++names;
+    if (depth > kDeepest || names > kMostNames) throw Malformed("beyond the bounds");
     return true;
   };
   try {
-    return Json::parse(text, notTooDeep);
+    return Json::parse(text, withinBounds);
   } catch (const Json::exception&) {
     return std::nullopt;
   } catch (const Error&) {
@@ -75,6 +81,62 @@ std::string WithQuestionMarks(const std::string& line) {
     }
   }
   return mended;
+}
+
+// Takes the id off a request that cannot be read as a whole, as far as it can be
+// read: a plain value under that name in the outermost object.
+class IdReader : public Json::json_sax_t {
+ public:
+  [[nodiscard]] const Json& id() const { return id_; }
+
+  bool null() override { return Take(nullptr); }
+  bool boolean(bool value) override { return Take(value); }
+  bool number_integer(number_integer_t value) override { return Take(value); }
+  bool number_unsigned(number_unsigned_t value) override { return Take(value); }
+  bool number_float(number_float_t value, const string_t& /*text*/) override { return Take(value); }
+  bool string(string_t& value) override { return Take(value); }
+  bool binary(binary_t& /*value*/) override { return true; }
+  bool start_object(std::size_t /*size*/) override { return Open(); }
+  bool end_object() override { return Close(); }
+  bool start_array(std::size_t /*size*/) override { return Open(); }
+  bool end_array() override { return Close(); }
+  bool key(string_t& name) override {
+    isId_ = depth_ == 1 && name == "id";
+    return true;
+  }
+  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                   const Json::exception& error) override {
+    // A number that is too large is all that may be wrong with a JSON object.
+    constexpr int kNumberOutOfRange = 406;
+    if (error.id != kNumberOutOfRange) id_ = nullptr;
+    return false;
+  }
+
+ private:
+  bool Take(const Json& value) {
+    if (isId_) id_ = value;
+    isId_ = false;
+    return true;
+  }
+  bool Open() {
+    isId_ = false;
+    ++depth_;
+    return true;
+  }
+  bool Close() {
+    --depth_;
+    return true;
+  }
+
+  int depth_ = 0;
+  bool isId_ = false;
+  Json id_ = nullptr;
+};
+
+Json IdOfUnreadable(const std::string& line) {
+  IdReader reader;
+  Json::sax_parse(WithQuestionMarks(line), &reader);
+  return reader.id();
 }
 
 Argument ToArgument(const Json& json) {
@@ -145,9 +207,8 @@ Request ReadRequest(const std::string& line) {
   Request request;
   const std::optional<Json> json = Parse(line);
   if (!json) {
-    const std::optional<Json> mended = Parse(WithQuestionMarks(line));
-    request.id = mended ? IdOf(*mended) : Json(nullptr);
-    request.malformed = Malformed("The request is not valid JSON.");
+    request.id = IdOfUnreadable(line);
+    request.malformed = Malformed("The request cannot be read as JSON.");
     return request;
   }
   request.id = IdOf(*json);

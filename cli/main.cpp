@@ -35,7 +35,9 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
 
   Common common{.connectionString = "Provider=SQLite;Data Source=lotrix.db", .logPath = {}};
-  if (const char* const given = std::getenv("LOTRIX_CONNECTION")) common.connectionString = given;
+  if (const char* const given = std::getenv("LOTRIX_CONNECTION"); given != nullptr && *given) {
+    common.connectionString = given;
+  }
   app.add_option("--connection", common.connectionString,
                  "Connection string; LOTRIX_CONNECTION stands in for it")
       ->type_name("CS");
@@ -91,7 +93,7 @@ int main(int argc, char** argv) {
     return Run(argc, argv);
   } catch (const lotrix::Error& error) {
     std::cerr << lotrix::cli::ErrorLine(error) << '\n';
-    return lotrix::cli::kRefused;
+    return lotrix::cli::ExitCodeOf(error);
   } catch (const std::exception& error) {
     std::cerr << "lotrix: " << error.what() << '\n';
     return lotrix::cli::kInternal;

@@ -14,9 +14,14 @@ using Row = std::vector<std::string>;
 // Control characters would break the table, or the terminal.
 std::string Printable(const std::string& text) {
   std::string printable;
+  unsigned char before = 0;
   for (const char c : text) {
-    const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-    printable += control ? '?' : c;
+    const auto byte = static_cast<unsigned char>(c);
+    // U+0080 to U+009F are C2 80 to C2 9F.
+    const bool high = before == 0xC2 && byte >= 0x80 && byte <= 0x9F;
+    if (high) printable.pop_back();
+    printable += byte < 0x20 || byte == 0x7F || high ? '?' : c;
+    before = byte;
   }
   return printable;
 }

@@ -943,6 +943,16 @@ TEST_F(CommandTest, ATextThatIsNoUnicodeIsFiveWithItsId) {
   EXPECT_EQ(answers.back(), kActive);
 }
 
+TEST_F(CommandTest, ANumberBeyondAllOrANestTooDeepKeepsItsId) {
+  const std::string deep = std::string(250, '[') + std::string(250, ']');
+  const std::vector<Json> answers =
+      Batch({R"({"id": 1, "op": "stockTableRead", "args": {"aPIN": 1e999}})",
+             R"({"id": 2, "op": "stockTableRead", "args": {"aPIN": )" + deep + "}}"});
+  ASSERT_EQ(answers.size(), 2U);
+  ExpectRefusal(answers[0], 5, 1);
+  ExpectRefusal(answers[1], 5, 2);
+}
+
 TEST_F(CommandTest, NoUnicodeInOtherPlacesIsFiveToo) {
   const std::vector<Json> answers =
       Batch({"{\"id\": \"\xff\", \"op\": \"closeConnection\"}",

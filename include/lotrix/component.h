@@ -22,13 +22,18 @@ struct Service;
 // Give it a connection string with openConnection; the first operation opens the
 // connection, and so does the first one after closeConnection. An operation logs
 // its Begin line, checks its arguments in a fixed order, runs its statements and
-// logs its End line. The first thing that fails ends it: the object logs a
-// Problem line and throws an Error with the source "LOTRIX DLL". A write changes
-// one row with one statement, after its last check, so a call that throws has
-// changed no row (only a key it took from the key table stays taken).
+// logs its End line (provinvAdd, which the trace calls provinvAddUpdate, and the
+// two operations on physicians log their statement in its place; CheckVaccActive
+// logs nothing of its own). The first thing that fails ends it: the object logs a
+// Problem line and throws an Error with the source "LOTRIX DLL".
 //
-// Omitted optional texts are the empty text. Dates are texts in the order month,
-// day, year.
+// A write runs its one statement after its last check, so a call that a check
+// refuses has changed nothing but a key that it took from the key table. A new
+// provider gets its enrollment row by a second statement, and stays when that one
+// fails.
+//
+// Omitted optional texts are the empty text where no default is shown. Dates are
+// texts in the order month, day, year.
 class cLotrix {
  public:
   explicit cLotrix(Host host = {});
@@ -68,7 +73,7 @@ class cLotrix {
 
   // Records a provider's order of one vaccine, or overwrites the counts of the
   // order that has the same provider, vaccine, date and funding source. Throws
-  // 20025, 20091, 20004, 20076, 20075, 20092, 20042, 20052, and what the
+  // 20025, 20091, 20004, 20076, 20075, 20092, 20042, 20052, 6, 94, and what the
   // validations of PIN, vaccine, funding, excess allowance and duplicates throw.
   void manufacturerProviderOrderCreateUpdate(const Text& anOrderDate, const Text& aPIN,
                                              const Text& aVaccine, std::int32_t aDoseCount,
@@ -77,11 +82,11 @@ class cLotrix {
                                              const Text& aStatePO = {}, const Text& aMfg = {});
 
   // Adds a provider, or rewrites the profile of the one that has this PIN; a new
-  // one gets an enrollment row of zeros as well. Missing optionals are not written,
-  // but for the active flag, which is then "Y". An update takes a provider number
-  // and drops it. Throws 20095, the validations of PIN, address and status, 20001,
-  // 20002, 20142, 20143, 20140, 20141, 20096, 20061, 20060, 20072, 20084, 20073,
-  // 20065 to 20067, 13, 6, 94.
+  // one gets an enrollment row of zeros as well, unless it has one. Missing optionals are not
+  // written, but for the active flag, which is then "Y". An update takes a provider number and
+  // drops it. Throws 20095, the validations of PIN, address and status, 20001, 20002, 20142, 20143,
+  // 20140, 20141, 20096, 20061, 20060, 20031, 20072, 20084, 20073, 20065 to 20067, 20089, 20090,
+  // 13, 6, 94.
   void providerProfileUpdate(
       const Text& aPIN, const Text& aFacilityLastName, const Text& aShippingContact,
       const Text& aShippingAddress1, const Text& aShippingAddress2, const Text& aShippingCity,
@@ -109,7 +114,7 @@ class cLotrix {
                                          const Text& aLotNumber, std::int32_t aDoseCount);
 
   // Rewrites the shipping side of an existing provider; missing optionals stay as
-  // they are. Throws 20033, 20001, 20002, 20057, 20056, 13, 94, and what the
+  // they are. Throws 20033, 20001, 20002, 20057, 20056, 6, 13, 94, and what the
   // validations of PIN, status and address throw.
   void providerShippingDataUpdate(const Text& aPIN, const Text& aFacilityLastName,
                                   const Text& aShippingContact, const Text& aShippingAddress1,

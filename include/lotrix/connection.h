@@ -55,7 +55,8 @@ class Connection {
   void RollbackTrans();
   [[nodiscard]] bool InTransaction() const;
 
-  // Makes the tables and indexes that are not there yet, in one transaction.
+  // Makes the tables and indexes that are not there yet, in one transaction; throws
+  // 80004005 inside one of the client's.
   void CreateSchema();
 
  private:

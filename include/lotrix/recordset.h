@@ -77,7 +77,10 @@ class Fields {
   const Recordset* recordset_;
 };
 
-// Used by the thread that uses its connection. Rows are streamed from the engine;
+// Used by the thread that uses its connection. Rows are streamed from the engine,
+// so a recordset that is neither read to its end nor closed keeps its view of the
+// database, and once others have written, writes on its connection are busy
+// (80040E31) until it is closed;
 // asking for the record count fetches the rest of them into memory, and no query
 // is run twice. Closing the connection closes its recordsets. Every member but
 // Open, Close and State throws 3704 while the recordset is closed.
@@ -108,7 +111,7 @@ class Recordset {
   // the 32-bit range.
   [[nodiscard]] std::int32_t RecordCount();
   [[nodiscard]] bool EndOfFile() const;
-  // Throws 3021 at the end of data.
+  // Throws 3021 at the end of data. An engine's error closes the recordset.
   void MoveNext();
   [[nodiscard]] lotrix::Fields Fields() const;
 

@@ -95,7 +95,12 @@ void Connection::RollbackTrans() {
 
 bool Connection::InTransaction() const { return session_ != nullptr && session_->InTransaction(); }
 
-void Connection::CreateSchema() { OpenSession().CreateSchema(); }
+void Connection::CreateSchema() {
+  if (OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
+  }
+  OpenSession().CreateSchema();
+}
 
 void ConnectionAccess::WrapSession(
     Connection& connection,

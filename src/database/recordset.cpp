@@ -156,7 +156,13 @@ void Recordset::MoveNext() {
   if (fetched_) {
     nextAhead_ += static_cast<std::size_t>(cursor_->ColumnCount());
   } else {
-    cursor_->Next();
+    try {
+      cursor_->Next();
+    } catch (...) {
+      // Stepping on would run the query once more.
+      Drop();
+      throw;
+    }
   }
   ++passed_;
 }

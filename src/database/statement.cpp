@@ -60,6 +60,8 @@ Statement& Statement::operator<<(SqlText piece) {
 Statement& Statement::operator<<(const Statement& part) {
   template_ += part.template_;
   splices_.insert(splices_.end(), part.splices_.begin(), part.splices_.end());
+  if (part.inQuotation_) inQuotation_ = !inQuotation_;
+  inBrace_ = part.inBrace_;
   return *this;
 }
 

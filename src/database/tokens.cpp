@@ -10,13 +10,14 @@ namespace lotrix {
 
 namespace {
 
-// "begin" and "end" are missing on purpose: the dialect has no use for them as
+// LIKE is missing, since engines differ in whether it minds case; "begin" and
+// "end" are missing on purpose: the dialect has no use for them as
 // keywords, and the contract table has columns of these names.
 constexpr std::array<std::string_view, 32> kKeywords = {
-    "ALL",      "AND",   "AS",     "ASC",    "BETWEEN", "BY",     "DELETE", "DESC",
-    "DISTINCT", "FROM",  "GROUP",  "HAVING", "IN",      "INNER",  "INSERT", "INTO",
-    "IS",       "JOIN",  "LEFT",   "LIKE",   "NOT",     "NULL",   "ON",     "OR",
-    "ORDER",    "OUTER", "SELECT", "SET",    "UNION",   "UPDATE", "VALUES", "WHERE"};
+    "ALL",      "AND",    "AS",    "ASC",    "BETWEEN", "BY",     "DELETE", "DESC",
+    "DISTINCT", "FROM",   "GROUP", "HAVING", "IN",      "INNER",  "INSERT", "INTO",
+    "IS",       "JOIN",   "LEFT",  "NOT",    "NULL",    "ON",     "OR",     "ORDER",
+    "OUTER",    "SELECT", "SET",   "UNION",  "UPDATE",  "VALUES", "WHERE"};
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }

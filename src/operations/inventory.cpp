@@ -17,12 +17,6 @@ namespace lotrix {
 
 namespace {
 
-std::int32_t SumOf(std::int32_t a, std::int32_t b) {
-  std::int32_t sum = 0;
-  if (__builtin_add_overflow(a, b, &sum)) RaiseRuntimeError(RuntimeError::kOverflow);
-  return sum;
-}
-
 // The action code decides where the stock came from, and whether this door may
 // write the movement at all.
 std::string SourceOf(std::int32_t actionCode, const std::string& depotPin) {

@@ -4,6 +4,7 @@
 #include "src/errors/raise_error.h"
 #include "src/platform/dates.h"
 #include "src/platform/frame.h"
+#include "src/platform/numbers.h"
 #include "src/platform/text.h"
 #include "src/resultset/recordset_conversion.h"
 #include "src/utility/keys_and_lookups.h"
@@ -51,11 +52,9 @@ void cLotrix::manufacturerProviderOrderCreateUpdate(const Text& anOrderDate, con
     if (exists) {
       // The new count replaces the old one. That the two together fit is checked
       // all the same.
-      std::int32_t ordered =
-          CurrentOrderedDoses(orderDate, pin, vaccine, fundingSource, service.ReadConnection());
-      if (__builtin_add_overflow(ordered, aDoseCount, &ordered)) {
-        RaiseRuntimeError(RuntimeError::kOverflow);
-      }
+      static_cast<void>(SumOf(
+          CurrentOrderedDoses(orderDate, pin, vaccine, fundingSource, service.ReadConnection()),
+          aDoseCount));
       const Contract contract =
           VerifyVaccineContract(service, orderDate, vaccine, aDoseCount, aMfg);
       if (isInfluenza) {
@@ -163,10 +162,7 @@ void cLotrix::DepotProviderOrderUpdate(const Text& aShipmentDate, const Text& aD
                             << "AND    action=1",
                 service.ReadConnection());
       if (shipped.RecordCount() != 1) RaiseError(kErrorVerifyingDepotProviderOrder);
-      std::int32_t doses = FirstLongOrZero(shipped);
-      if (__builtin_add_overflow(doses, aDoseCount, &doses)) {
-        RaiseRuntimeError(RuntimeError::kOverflow);
-      }
+      const std::int32_t doses = SumOf(FirstLongOrZero(shipped), aDoseCount);
       CloseRecordset(shipped);
       statement << "UPDATE distrib SET doses = " << doses << ", "
                 << "units = 0, "

@@ -35,6 +35,16 @@ void AssignIfPresent(Statement& statement, SqlText opening, const OptionalText& 
   if (value) statement << opening << *value << "', ";
 }
 
+// Whether the classification is one of a provider is asked the same way for new
+// and old ones.
+std::int32_t RequireClassification(Service& service, const Variant& aClassificationCode) {
+  const std::int32_t classification = ToLong(aClassificationCode.value());
+  if (!ValidateSector(service.log, classification, service.ReadConnection())) {
+    RaiseError(kInvalidClassificationCode);
+  }
+  return classification;
+}
+
 void RequireLength(std::string_view value, std::size_t most, const Message& message,
                    std::string_view label) {
   if (Utf16Length(TrimBlanks(value)) <= most) return;
@@ -120,10 +130,7 @@ void cLotrix::providerProfileUpdate(
 
     if (!exists) {
       if (aClassificationCode.IsMissing()) RaiseError(kClassificationCodeNeeded);
-      const std::int32_t classification = ToLong(aClassificationCode.value());
-      if (!ValidateSector(service.log, classification, service.ReadConnection())) {
-        RaiseError(kInvalidClassificationCode);
-      }
+      const std::int32_t classification = RequireClassification(service, aClassificationCode);
       ValidateNewProviderPIN(service.log, pin);
 
       Statement statement;
@@ -169,18 +176,15 @@ void cLotrix::providerProfileUpdate(
       statement << ", {" << today << "}, '" << kUserId << "')";
       service.log.Information({statement.text()});
       static_cast<void>(service.ReadConnection().Execute(statement));
-      AddDefaultEnrollment(service.log, pin, Today(service.clock), kUserId,
-                           service.ReadConnection());
+      const Date enrolled = Today(service.clock);
+      AddDefaultEnrollment(service.log, pin, enrolled, kUserId, service.ReadConnection());
       return;
     }
 
     Statement statement;
     statement << "UPDATE provider SET ";
     if (!aClassificationCode.IsMissing()) {
-      const std::int32_t classification = ToLong(aClassificationCode.value());
-      if (!ValidateSector(service.log, classification, service.ReadConnection())) {
-        RaiseError(kInvalidClassificationCode);
-      }
+      const std::int32_t classification = RequireClassification(service, aClassificationCode);
       statement << "sector = " << classification << ", ";
     }
     if (certificationDate) {

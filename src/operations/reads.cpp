@@ -23,15 +23,6 @@ cResultSet ReadTable(const Statement& query, Connection& connection) {
   return table;
 }
 
-// Filters begin with " WHERE ", further conditions with " AND ".
-void BeginCondition(Statement& filter) {
-  if (filter.IsBlank()) {
-    filter << " WHERE ";
-  } else {
-    filter << " AND ";
-  }
-}
-
 void RequireShipmentDates(const std::string& begin, const std::string& end) {
   const auto beginDate = TextToDate(begin);
   if (!IsBlank(begin) && !beginDate) RaiseError(kInvalidShipmentBeginDate);

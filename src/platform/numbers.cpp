@@ -269,6 +269,12 @@ std::int16_t TextToInteger(std::string_view text) {
   return TextToWhole<std::int16_t, std::uint16_t>(text);
 }
 
+std::int32_t SumOf(std::int32_t a, std::int32_t b) {
+  std::int32_t sum = 0;
+  if (__builtin_add_overflow(a, b, &sum)) RaiseRuntimeError(RuntimeError::kOverflow);
+  return sum;
+}
+
 std::int32_t DoubleToLong(double number) {
   // A tie goes to the even neighbour: inwards at the low end, outwards at the high
   // one. NaN fails both comparisons.

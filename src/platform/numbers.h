@@ -24,6 +24,9 @@ namespace lotrix {
 // Rounded half to even; throws 6 out of the 32-bit range (NaN included).
 [[nodiscard]] std::int32_t DoubleToLong(double number);
 
+// Throws 6 when the sum leaves the 32-bit range.
+[[nodiscard]] std::int32_t SumOf(std::int32_t a, std::int32_t b);
+
 // Whole numbers plainly; a double to 15 significant digits, in exponent form from
 // 1E+15 on and where a value below 1 would need more than 15 decimals.
 [[nodiscard]] std::string NumberText(std::int64_t number);

@@ -47,7 +47,9 @@ TraceLog::TraceLog(const std::string& path, Clock clock) : clock_(std::move(cloc
   // A path with a U+0000 would name another file than the one meant.
   if (path.empty() || path.find('\0') != std::string::npos) return;
   // Readable by the owner alone: logged statements hold people's data.
-  file_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600);
+  // Not waiting for a reader, should the path be a pipe.
+  file_ =
+      ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
 }
 
 TraceLog::~TraceLog() {
@@ -119,12 +121,17 @@ void TraceLog::AppendTimeAndProcess() {
 }
 
 void TraceLog::Flush() noexcept {
+  if (torn_ && !lines_.empty()) lines_.insert(0, 1, '\n');
   std::string_view rest = lines_;
   while (!rest.empty()) {
     const ssize_t written = ::write(file_, rest.data(), rest.size());
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) break;
     rest.remove_prefix(static_cast<std::size_t>(written));
+  }
+  // A disk that was full in the middle of a line: the next line starts its own.
+  if (!lines_.empty() && rest.size() < lines_.size()) {
+    torn_ = !rest.empty() && lines_[lines_.size() - rest.size() - 1] != '\n';
   }
   lines_.clear();
   // One megabyte argument must not keep a megabyte for the object's life.

@@ -60,6 +60,7 @@ class TraceLog {
   Clock clock_;
   int file_ = -1;
   int depth_ = 0;
+  bool torn_ = false;  // the file ends in the middle of a line
   std::string lines_;
   // The text of the last line's second, which most lines share.
   std::int64_t second_ = -1;

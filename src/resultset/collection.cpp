@@ -220,7 +220,11 @@ std::int32_t Collection::Count() const {
 
 void Collection::Reserve(std::size_t items) { slots_.reserve(items); }
 
-Collection::Iterator Collection::begin() const { return {*this, 0}; }
+Collection::Iterator Collection::begin() const {
+  // Else reading by position, which closes gaps, would move what is walked over.
+  Compact();
+  return {*this, 0};
+}
 Collection::Iterator Collection::end() const { return {*this, slots_.size()}; }
 
 std::size_t Collection::SlotAt(std::int32_t position) const {

@@ -10,7 +10,7 @@ namespace lotrix {
 namespace {
 
 void RequireIntegerLength(std::string_view value) {
-  // A text has at least one UTF-16 unit in three bytes.
+  // A text never has more UTF-16 units than bytes.
   constexpr std::size_t kMost = std::numeric_limits<std::int16_t>::max();
   if (value.size() > kMost && Utf16Length(value) > kMost) {
     RaiseRuntimeError(RuntimeError::kOverflow);
@@ -44,13 +44,17 @@ bool IsAlphaNumeric(std::string_view value) {
   return length > 0;
 }
 
+void BeginCondition(Statement& filter) {
+  if (filter.IsBlank()) {
+    filter = Statement() << " WHERE ";
+  } else {
+    filter << " AND ";
+  }
+}
+
 Statement AddWhereCondition(const std::string& aValue, Statement& aWhere, SqlText aColumn) {
   if (IsBlank(aValue)) return aWhere;
-  if (aWhere.IsBlank()) {
-    aWhere = Statement() << " WHERE ";
-  } else {
-    aWhere << " AND ";
-  }
+  BeginCondition(aWhere);
   Statement filter = aWhere;
   filter << "ltrim(rtrim(" << aColumn << ")) = '" << aValue << "'";
   return filter;

@@ -18,6 +18,9 @@ namespace lotrix {
 // count. False for a blank value.
 [[nodiscard]] bool IsAlphaNumeric(std::string_view value);
 
+// A filter begins with " WHERE ", its further conditions with " AND ".
+void BeginCondition(Statement& filter);
+
 // The filter with one condition more on the trimmed column, unless the value is
 // blank. `aWhere` itself gets the " WHERE " or " AND " alone, as its callers,
 // which assign the result back to it, expect.

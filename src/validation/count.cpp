@@ -10,11 +10,15 @@ std::int32_t ReadCount(const Statement& query, Connection& connection, Records e
                        const Message& error) {
   Recordset counted;
   OpenQuery(counted, query, connection);
-  if (expected != Records::kAny) {
-    const std::int32_t records = counted.RecordCount();
-    const bool accepted = expected == Records::kExactlyOne ? records == 1 : records >= 1;
-    if (!accepted) RaiseError(error);
-  }
+  const std::int32_t records = counted.RecordCount();
+  const bool accepted = expected == Records::kExactlyOne ? records == 1 : records >= 1;
+  if (!accepted) RaiseError(error);
+  return ToLong(counted.Fields().Item(0).Value());
+}
+
+std::int32_t ReadCount(const Statement& query, Connection& connection) {
+  Recordset counted;
+  OpenQuery(counted, query, connection);
   return ToLong(counted.Fields().Item(0).Value());
 }
 

@@ -12,12 +12,15 @@ namespace lotrix {
 
 // How many records a routine accepts from its count query before it reads the
 // count.
-enum class Records { kAny, kAtLeastOne, kExactlyOne };
+enum class Records { kAtLeastOne, kExactlyOne };
 
 // The count that the query yields; raises `error` for another number of records
 // than expected. The recordset is closed when it returns.
 [[nodiscard]] std::int32_t ReadCount(const Statement& query, Connection& connection,
                                      Records expected, const Message& error);
+
+// The count alone, whatever the number of records.
+[[nodiscard]] std::int32_t ReadCount(const Statement& query, Connection& connection);
 
 // Whether the record exists: one is true, none false; raises `duplicate` for more
 // and `error` for a negative count.

@@ -7,6 +7,22 @@
 
 namespace lotrix {
 
+namespace {
+
+// How many orders of that key there are in the one state or the other: an order
+// whose seekid is set has been passed on.
+Statement OrdersOfKey(const std::string& orderDate, const std::string& pin,
+                      const std::string& vaccine, const std::string& fundingCode, SqlText seekid) {
+  return Statement() << "SELECT count(*) "
+                     << "FROM neworder "
+                     << "WHERE orddate = {" << orderDate << "} "
+                     << "AND ltrim(rtrim(pin)) = '" << pin << "' "
+                     << "AND ltrim(rtrim(vaccine)) = '" << vaccine << "' "
+                     << "AND ltrim(rtrim(fcode1)) = '" << fundingCode << "' " << seekid;
+}
+
+}  // namespace
+
 bool ValidateDuplicateManufacturerOrder(TraceLog& log, const std::string& orderDate,
                                         const std::string& pin, const std::string& vaccine,
                                         const std::string& fundingCode, Connection& connection) {
@@ -14,14 +30,8 @@ bool ValidateDuplicateManufacturerOrder(TraceLog& log, const std::string& orderD
     ValidateEventDateManufacturerProviderOrder(log, orderDate, pin, vaccine, fundingCode,
                                                connection);
     const std::int32_t count =
-        ReadCount(Statement() << "SELECT count(*) "
-                              << "FROM neworder "
-                              << "WHERE orddate = {" << orderDate << "} "
-                              << "AND ltrim(rtrim(pin)) = '" << pin << "' "
-                              << "AND ltrim(rtrim(vaccine)) = '" << vaccine << "' "
-                              << "AND ltrim(rtrim(fcode1)) = '" << fundingCode << "' "
-                              << "AND seekid = 0",
-                  connection, Records::kExactlyOne, kErrorVerifyingManufacturerOrder);
+        ReadCount(OrdersOfKey(orderDate, pin, vaccine, fundingCode, "AND seekid = 0"), connection,
+                  Records::kExactlyOne, kErrorVerifyingManufacturerOrder);
     return OneExists(count, kMoreThanOneManufacturerOrder, kErrorVerifyingManufacturerOrder);
   });
 }
@@ -31,16 +41,9 @@ void ValidateEventDateManufacturerProviderOrder(TraceLog& log, const std::string
                                                 const std::string& fundingCode,
                                                 Connection& connection) {
   InFrame(log, {"ValidateEventDateManufacturerProviderOrder"}, [&] {
-    // An order whose seekid is set has been passed on.
     const std::int32_t count =
-        ReadCount(Statement() << "SELECT count(*) "
-                              << "FROM neworder "
-                              << "WHERE orddate = {" << orderDate << "} "
-                              << "AND ltrim(rtrim(pin)) = '" << pin << "' "
-                              << "AND ltrim(rtrim(vaccine)) = '" << vaccine << "' "
-                              << "AND ltrim(rtrim(fcode1)) = '" << fundingCode << "' "
-                              << "AND seekid <> 0",
-                  connection, Records::kExactlyOne, kErrorCheckingManufacturerOrderStatus);
+        ReadCount(OrdersOfKey(orderDate, pin, vaccine, fundingCode, "AND seekid <> 0"), connection,
+                  Records::kExactlyOne, kErrorCheckingManufacturerOrderStatus);
     if (OneExists(count, kMoreThanOneManufacturerOrder, kErrorCheckingManufacturerOrderStatus)) {
       RaiseError(kManufacturerOrderAlreadySent);
     }

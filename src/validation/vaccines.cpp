@@ -19,8 +19,7 @@ void RequireDoseInSeries(const std::string& dose, const Statement& largestDose,
 
 void RequireVaccine(TraceLog& log, const std::string& vaccine, const Statement& query,
                     Connection& connection, bool checkActive) {
-  const std::int32_t count =
-      ReadCount(query, connection, Records::kAny, kErrorVerifyingVaccineReference);
+  const std::int32_t count = ReadCount(query, connection);
   if (count == 0) RaiseError(kVaccineNotAvailable);
   if (count < 0) RaiseError(kErrorVerifyingVaccineReference);
   if (checkActive && !ValidateVaccineActiveStatus(log, vaccine, connection)) {
@@ -35,7 +34,7 @@ bool ValidateVaccineActiveStatus(TraceLog& log, const std::string& vaccine,
   return InFrame(log, {"ValidateVaccineActiveStatus"}, [&] {
     return ReadCount(Statement() << "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '"
                                  << vaccine << "' AND locactiv = .F.",
-                     connection, Records::kAny, kErrorVerifyingVaccineReference) >= 1;
+                     connection) >= 1;
   });
 }
 

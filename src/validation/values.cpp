@@ -41,9 +41,7 @@ void ValidateTotalDoses(TraceLog& log, const std::array<std::int32_t, 13>& group
                         std::int32_t total) {
   InFrame(log, {"ValidateTotalDoses"}, [&] {
     std::int32_t sum = 0;
-    for (const std::int32_t group : groups) {
-      if (__builtin_add_overflow(sum, group, &sum)) RaiseRuntimeError(RuntimeError::kOverflow);
-    }
+    for (const std::int32_t group : groups) sum = SumOf(sum, group);
     if (sum != total) RaiseError(kDosesDoNotMatchTotal);
   });
 }

@@ -63,6 +63,7 @@ class Translator {
     std::string_view closing;
     bool givesText;
     bool isCompared;
+    bool isPlain;  // no function's
   };
 
   [[nodiscard]] const Token& Here() const { return tokens_[at_]; }
@@ -122,7 +123,7 @@ class Translator {
     const Function& function = FunctionNamed(Here().content);
     const bool compared = BeforeIsComparison();
     Write(function.opening);
-    parentheses_.push_back({function.closing, function.givesText, compared});
+    parentheses_.push_back({function.closing, function.givesText, compared, false});
     ++at_;
     afterOpening_ = true;
   }
@@ -156,7 +157,7 @@ class Translator {
     if (content == "(") {
       Write("(");
       afterOpening_ = true;
-      parentheses_.push_back({")", false, false});
+      parentheses_.push_back({")", false, false, true});
     } else if (content == ")") {
       CloseParenthesis();
     } else if (content == "," || content == ".") {
@@ -194,15 +195,35 @@ class Translator {
   [[nodiscard]] bool IsAssignment(const Token& token) const {
     return inSetList_ && parentheses_.empty() && IsOperator(token, "=");
   }
+
+  // What an operand is compared with is looked for outside the parentheses around
+  // it.
   [[nodiscard]] bool BeforeIsComparison() const {
-    return Before() != nullptr && IsComparison(*Before()) && !IsAssignment(*Before());
+    std::size_t i = at_;
+    while (i > 0 && IsOperator(tokens_[i - 1], "(") &&
+           (i == 1 || tokens_[i - 2].kind != TokenKind::kName)) {
+      --i;
+    }
+    return i > 0 && IsComparison(tokens_[i - 1]) && !IsAssignment(tokens_[i - 1]);
+  }
+  [[nodiscard]] const Token* BehindParentheses() const {
+    std::size_t i = at_ + 1;
+    std::size_t open = parentheses_.size();
+    while (i < tokens_.size() && IsOperator(tokens_[i], ")") && open > 0 &&
+           parentheses_[open - 1].isPlain) {
+      ++i;
+      --open;
+    }
+    return i < tokens_.size() ? &tokens_[i] : nullptr;
   }
   [[nodiscard]] bool BehindIsComparison() const {
-    return Behind() != nullptr && (IsComparison(*Behind()) || BehindIsRange());
+    const Token* const behind = BehindParentheses();
+    return behind != nullptr && (IsComparison(*behind) || BehindIsRange());
   }
   [[nodiscard]] bool BehindIsRange() const {
-    return Behind() != nullptr && (IsKeyword(*Behind(), "IN") || IsKeyword(*Behind(), "BETWEEN") ||
-                                   IsKeyword(*Behind(), "NOT"));
+    const Token* const behind = BehindParentheses();
+    return behind != nullptr &&
+           (IsKeyword(*behind, "IN") || IsKeyword(*behind, "BETWEEN") || IsKeyword(*behind, "NOT"));
   }
 
   std::vector<Token> tokens_;

@@ -3,10 +3,12 @@
 #include <sqlite3.h>
 
 #include <charconv>
+#include <chrono>
 #include <cstdint>
 #include <limits>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "src/database/providers/sqlite/errors.h"
@@ -106,7 +108,8 @@ class StatementInUse {
     constexpr std::size_t kLarge = 4096;
     for (BoundValue& bound : statement_->bound) {
       if (bound.text.capacity() <= kLarge) continue;
-      sqlite3_clear_bindings(statement_->handle.get());
+      // A statement that failed before it was prepared has no bindings yet.
+      if (handle() != nullptr) sqlite3_clear_bindings(handle());
       bound.text = std::string();
     }
   }
@@ -341,8 +344,8 @@ SqliteSettings ReadSettings(const ConnectionSettings& settings) {
     } else if (keyword == "cache size") {
       read.cacheSize = NumberSetting("Cache Size", value, kMost);
     } else {
-      RaiseEngineError(EngineError::kFailed,
-                       "Connection string: unknown keyword \"" + keyword + "\".");
+      // Not named: it may be what is left of a value that needed quotes.
+      RaiseEngineError(EngineError::kFailed, "Connection string: a keyword is unknown.");
     }
   }
   if (read.file.empty()) {
@@ -362,6 +365,22 @@ bool UsesWriteAheadLog(sqlite3* database) {
   return mode == "wal" || mode == "memory";
 }
 
+// SQLite does not wait for the lock that the switch takes when others open the
+// same new file, so the waiting is done here.
+void SwitchToWriteAheadLog(sqlite3* database, std::int64_t busyTimeout) {
+  constexpr auto kPause = std::chrono::milliseconds(5);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(busyTimeout);
+  while (!UsesWriteAheadLog(database)) {
+    const int result = sqlite3_exec(database, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+    if (result == SQLITE_OK && UsesWriteAheadLog(database)) return;
+    const bool busy = (result & 0xFF) == SQLITE_BUSY || result == SQLITE_OK;
+    if (!busy || std::chrono::steady_clock::now() >= end) {
+      RaiseSqliteError(database, result == SQLITE_OK ? SQLITE_BUSY : result);
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
 }  // namespace
 
 std::string Engine() { return std::string("SQLite ") + sqlite3_libversion(); }
@@ -376,8 +395,8 @@ std::unique_ptr<Session> Open(const ConnectionSettings& settings, ConnectMode mo
   Database database(opened);
   Check(database.get(), result);
 
-  // A misspelt column must be an error, not a text; and a database file from
-  // elsewhere must not run anything of its own.
+  // A misspelt column must be an error, not a text; and the schema of a database
+  // file from elsewhere must not call functions with effects of their own.
   for (const int switchedOff :
        {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL, SQLITE_DBCONFIG_TRUSTED_SCHEMA}) {
     Check(database.get(), sqlite3_db_config(database.get(), switchedOff, 0, nullptr));
@@ -385,9 +404,7 @@ std::unique_ptr<Session> Open(const ConnectionSettings& settings, ConnectMode mo
   Check(database.get(), sqlite3_db_config(database.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
 
   Check(database.get(), sqlite3_busy_timeout(database.get(), static_cast<int>(wanted.busyTimeout)));
-  if (!readOnly && !UsesWriteAheadLog(database.get())) {
-    ExecuteNative(database.get(), "PRAGMA journal_mode=WAL");
-  }
+  if (!readOnly) SwitchToWriteAheadLog(database.get(), wanted.busyTimeout);
   ExecuteNative(database.get(), "PRAGMA synchronous=" + wanted.synchronous);
   ExecuteNative(database.get(), "PRAGMA cache_size=-" + std::to_string(wanted.cacheSize));
   return std::make_unique<SqliteSession>(std::move(database));

@@ -7,6 +7,7 @@ namespace {
 // The operations have some sixty templates between them; the rest is room for a
 // client's own texts, of which there may be endlessly many.
 constexpr std::size_t kMostKept = 256;
+constexpr std::size_t kLongestKept = 16384;
 
 std::shared_ptr<PreparedStatement> Fresh(std::string_view templateText) {
   auto statement = std::make_shared<PreparedStatement>();
@@ -26,6 +27,7 @@ std::shared_ptr<PreparedStatement> StatementCache::Take(std::string_view templat
     return kept;
   }
   std::shared_ptr<PreparedStatement> statement = Fresh(templateText);
+  if (templateText.size() > kLongestKept) return statement;
   entries_.push_front({std::string(templateText), statement});
   byTemplate_.emplace(entries_.front().templateText, entries_.begin());
   if (entries_.size() > kMostKept) {
