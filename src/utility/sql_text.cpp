@@ -1,5 +1,6 @@
 #include "src/utility/sql_text.h"
 
+#include <array>
 #include <limits>
 
 #include "src/errors/raise_error.h"
@@ -18,9 +19,12 @@ void RequireIntegerLength(std::string_view value) {
 }
 
 std::string Without(std::string_view value, std::string_view characters) {
+  std::array<bool, 256> removed{};
+  for (const char c : characters) removed[static_cast<unsigned char>(c)] = true;
   std::string kept;
+  kept.reserve(value.size());
   for (const char c : value) {
-    if (characters.find(c) == std::string_view::npos) kept += c;
+    if (!removed[static_cast<unsigned char>(c)]) kept += c;
   }
   return kept;
 }
