@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <regex>
@@ -195,10 +194,6 @@ class SchemaTest : public DatabaseTest {
 // What is said of SQLite's own tables.
 class SqliteSchemaTest : public SchemaTest {
  protected:
-  void SetUp() override {
-    const char* const engine = std::getenv("LOTRIX_TEST_ENGINE");
-    if (engine != nullptr && std::string_view(engine) != "sqlite") GTEST_SKIP();
-  }
   [[nodiscard]] std::vector<Row> Definitions() {
     return Query("SELECT type, name, tbl_name, sql FROM sqlite_master ORDER BY type, name");
   }
