@@ -1,20 +1,11 @@
 #include "src/database/service.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "src/platform/frame.h"
+#include "src/platform/system.h"
 
 namespace lotrix {
-
-namespace {
-
-void NotifyOnStandardError(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  std::fputc('\n', stderr);
-}
-
-}  // namespace
 
 const std::shared_ptr<Connection>& ServiceConnection::Get() {
   // The begin line alone is spelt with a blank.
@@ -35,7 +26,7 @@ void ServiceConnection::CloseIfOpen() {
 
 Service::Service(Host host)
     : clock(host.clock ? std::move(host.clock) : std::chrono::system_clock::now),
-      notify(host.notify ? std::move(host.notify) : NotifyOnStandardError),
+      notify(host.notify ? std::move(host.notify) : Notify),
       log(host.logPath.empty() ? DefaultLogPath() : host.logPath, clock),
       connection(log) {}
 

@@ -10,12 +10,15 @@
 #include <string>
 #include <string_view>
 
+#include "src/platform/system.h"
+
 namespace lotrix {
 
 using Clock = std::function<std::chrono::system_clock::time_point()>;
 
-// The path of the log when the program gives none: $LOTRIX_LOG, else the user's
-// state folder, of which the last element is made (mode 0700).
+// The path of the log when the program gives none: $LOTRIX_LOG, else
+// C:\tmp\Lotrix.log on Windows and elsewhere the user's state folder, of which the
+// last element is made (mode 0700).
 [[nodiscard]] std::string DefaultLogPath();
 
 // Used by one thread at a time. Nothing here throws for a log that cannot be
@@ -58,7 +61,7 @@ class TraceLog {
   void Flush() noexcept;
 
   Clock clock_;
-  int file_ = -1;
+  AppendedFile file_;
   int depth_ = 0;
   bool torn_ = false;  // the file ends in the middle of a line
   std::string lines_;
