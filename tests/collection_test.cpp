@@ -510,5 +510,88 @@ RC_GTEST_PROP(CollectionProperty, IsAListOfPairs, ()) {
             }) == 9);
 }
 
+// Another program's list: keys and positions as it likes, here in a plain vector
+// whose calls are written down.
+class WrittenDownList final : public ForeignList {
+ public:
+  explicit WrittenDownList(Texts& calls) : calls_(calls) {}
+  void Add(Value item) override {
+    calls_.push_back("add " + std::get<std::string>(item));
+    items_.emplace_back("", std::move(item));
+  }
+  void Add(Value item, std::string_view key) override {
+    if (const auto* const text = std::get_if<std::string>(&item)) {
+      calls_.push_back("add " + *text + " under " + std::string(key));
+    }
+    items_.emplace_back(key, std::move(item));
+  }
+  Value Item(std::int32_t position) override {
+    return items_.at(static_cast<std::size_t>(position) - 1).second;
+  }
+  Value Item(std::string_view key) override { return Find(key)->second; }
+  void Remove(std::int32_t position) override { items_.erase(items_.begin() + position - 1); }
+  void Remove(std::string_view key) override { items_.erase(Find(key)); }
+  std::int32_t Count() override { return static_cast<std::int32_t>(items_.size()); }
+
+ private:
+  using Items = std::vector<std::pair<std::string, Value>>;
+  Items::iterator Find(std::string_view key) {
+    const auto found = std::find_if(items_.begin(), items_.end(),
+                                    [&](const auto& item) { return item.first == key; });
+    if (found == items_.end()) throw Error(-1, "the list's own");
+    return found;
+  }
+  Texts& calls_;
+  Items items_;
+};
+
+TEST(CollectionOfAnotherProgram, EveryMemberIsPassedOn) {
+  Texts calls;
+  Collection collection(std::make_unique<WrittenDownList>(calls));
+  collection.Add(V("a"));
+  collection.Add(V("b"), "key");
+  collection.AddNumbered(V("c"));
+  collection.AddNumberedText("d");
+  EXPECT_EQ(calls, (Texts{"add a", "add b under key", "add c under 3", "add d under 4"}));
+  ExpectPositions(collection, {"a", "b", "c", "d"});
+  EXPECT_EQ(collection.Item("key"), V("b"));
+  collection.Remove("3");
+  collection.Remove(1);
+  ExpectPositions(collection, {"b", "d"});
+}
+
+TEST(CollectionOfAnotherProgram, ItsErrorsAreItsOwn) {
+  Texts calls;
+  const Collection collection(std::make_unique<WrittenDownList>(calls));
+  EXPECT_EQ(Refusal([&] { static_cast<void>(collection.Item("none")); }).description(),
+            "the list's own");
+}
+
+TEST(CollectionOfAnotherProgram, IsKnownAsSuch) {
+  Texts calls;
+  auto list = std::make_unique<WrittenDownList>(calls);
+  const ForeignList* const given = list.get();
+  const Collection collection(std::move(list));
+  EXPECT_EQ(collection.Foreign(), given);
+  Collection own;
+  own.Add(V("a"), "with a key");
+  EXPECT_EQ(own.Foreign(), nullptr);
+}
+
+TEST(CollectionOfAnotherProgram, ServesAResultTable) {
+  Texts calls;
+  cResultSet table;
+  auto data = std::make_shared<Collection>(std::make_unique<WrittenDownList>(calls));
+  auto row = std::make_shared<Collection>(std::make_unique<WrittenDownList>(calls));
+  row->Add(V("x"), "1");
+  data->Add(row, "1");
+  table.Data(data);
+  table.SetValue(1, 1, "y");
+  EXPECT_EQ(table.GetValue(1, 1), "y");
+  table.DeleteRow(1);
+  EXPECT_EQ(data->Count(), 1);  // the table has a list of its own from now on
+  EXPECT_EQ(table.Data()->Count(), 0);
+}
+
 }  // namespace
 }  // namespace lotrix::test

@@ -14,6 +14,20 @@
 
 namespace lotrix {
 
+// A list that another program keeps, with the members of a Collection, whose
+// errors are its own.
+class ForeignList {
+ public:
+  virtual ~ForeignList() = default;
+  virtual void Add(Value item) = 0;
+  virtual void Add(Value item, std::string_view key) = 0;
+  [[nodiscard]] virtual Value Item(std::int32_t position) = 0;
+  [[nodiscard]] virtual Value Item(std::string_view key) = 0;
+  virtual void Remove(std::int32_t position) = 0;
+  virtual void Remove(std::string_view key) = 0;
+  [[nodiscard]] virtual std::int32_t Count() = 0;
+};
+
 // Items stand at positions counted from 1 and may have a text key; keys are
 // compared without regard to case and are apart from positions: the key "2" is
 // found wherever its item stands. Not for more than one thread at a time. A
@@ -26,6 +40,8 @@ class Collection {
   class Iterator;
 
   Collection();
+  // Stands for the other program's list: every member is passed on to it.
+  explicit Collection(std::unique_ptr<ForeignList> list);
   ~Collection();
   Collection(const Collection&) = delete;
   Collection& operator=(const Collection&) = delete;
@@ -48,6 +64,9 @@ class Collection {
   // Throws 6 beyond the 32-bit range.
   [[nodiscard]] std::int32_t Count() const;
 
+  // The list that this one stands for, or null.
+  [[nodiscard]] ForeignList* Foreign() const;
+
   // Before the first items are added, for how many there is to be room.
   void Reserve(std::size_t items);
 
@@ -61,7 +80,7 @@ class Collection {
   // rows is as large as its cells.
   class PackedValue {
    public:
-    PackedValue() noexcept : kind_(kEmpty) {}
+    PackedValue() noexcept : bytes_{}, kind_(kEmpty) {}
     explicit PackedValue(Value value);
     explicit PackedValue(std::string_view text);
     PackedValue(PackedValue&& other) noexcept;
@@ -98,6 +117,7 @@ class Collection {
   };
 
   [[nodiscard]] std::size_t SlotAt(std::int32_t position) const;
+  [[nodiscard]] Value InSlot(std::size_t slot) const;
   // The slot of a key, or npos.
   [[nodiscard]] std::size_t SlotOf(std::string_view key) const;
   void RemoveSlot(std::size_t slot);
@@ -122,7 +142,7 @@ class Collection::Iterator {
   using reference = Value;
 
   Iterator() = default;
-  Value operator*() const { return collection_->slots_[slot_].Unpack(); }
+  Value operator*() const { return collection_->InSlot(slot_); }
   Iterator& operator++() {
     ++slot_;
     SkipGaps();

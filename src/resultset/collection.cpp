@@ -37,6 +37,8 @@ struct Collection::Keys {
   std::vector<bool> removed;
   std::size_t gaps = 0;
   std::unordered_map<std::string, std::size_t> slots;
+  // Here for its room: a row of a table has no keys.
+  std::unique_ptr<ForeignList> foreign;
 };
 
 template <class T>
@@ -153,9 +155,17 @@ void Collection::PackedValue::Release() noexcept {
 }
 
 Collection::Collection() = default;
+Collection::Collection(std::unique_ptr<ForeignList> list) : keys_(std::make_unique<Keys>()) {
+  keys_->foreign = std::move(list);
+}
 Collection::~Collection() = default;
 
+ForeignList* Collection::Foreign() const {
+  return keys_ == nullptr ? nullptr : keys_->foreign.get();
+}
+
 void Collection::Add(Value item) {
+  if (ForeignList* const list = Foreign()) return list->Add(std::move(item));
   StoreKeys();
   slots_.emplace_back(std::move(item));
   keys_->folded.emplace_back();
@@ -164,6 +174,7 @@ void Collection::Add(Value item) {
 
 void Collection::Add(Value item, const Text& key) {
   const std::string_view text = key;
+  if (ForeignList* const list = Foreign()) return list->Add(std::move(item), text);
   if (keys_ == nullptr) {
     if (PlainNumber(text) == slots_.size() + 1) {
       slots_.emplace_back(std::move(item));
@@ -183,7 +194,7 @@ void Collection::AddNumbered(Value item) {
   if (keys_ == nullptr) {
     slots_.emplace_back(std::move(item));
   } else {
-    Add(std::move(item), NumberText(static_cast<std::int64_t>(Size()) + 1));
+    Add(std::move(item), NumberText(std::int64_t{Count()} + 1));
   }
 }
 
@@ -195,23 +206,32 @@ void Collection::AddNumberedText(std::string_view item) {
   }
 }
 
-Value Collection::Item(std::int32_t position) const { return slots_[SlotAt(position)].Unpack(); }
+Value Collection::Item(std::int32_t position) const {
+  if (ForeignList* const list = Foreign()) return list->Item(position);
+  return slots_[SlotAt(position)].Unpack();
+}
 
 Value Collection::Item(std::string_view key) const {
+  if (ForeignList* const list = Foreign()) return list->Item(key);
   const std::size_t slot = SlotOf(key);
   if (slot == kNowhere) RaiseRuntimeError(RuntimeError::kInvalidArgument);
   return slots_[slot].Unpack();
 }
 
-void Collection::Remove(std::int32_t position) { RemoveSlot(SlotAt(position)); }
+void Collection::Remove(std::int32_t position) {
+  if (ForeignList* const list = Foreign()) return list->Remove(position);
+  RemoveSlot(SlotAt(position));
+}
 
 void Collection::Remove(std::string_view key) {
+  if (ForeignList* const list = Foreign()) return list->Remove(key);
   const std::size_t slot = SlotOf(key);
   if (slot == kNowhere) RaiseRuntimeError(RuntimeError::kInvalidArgument);
   RemoveSlot(slot);
 }
 
 std::int32_t Collection::Count() const {
+  if (ForeignList* const list = Foreign()) return list->Count();
   if (Size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
     RaiseRuntimeError(RuntimeError::kOverflow);
   }
@@ -225,7 +245,15 @@ Collection::Iterator Collection::begin() const {
   Compact();
   return {*this, 0};
 }
-Collection::Iterator Collection::end() const { return {*this, slots_.size()}; }
+Collection::Iterator Collection::end() const {
+  // Another program's list has its positions for slots.
+  return {*this, Foreign() == nullptr ? slots_.size() : static_cast<std::size_t>(Count())};
+}
+
+Value Collection::InSlot(std::size_t slot) const {
+  if (ForeignList* const list = Foreign()) return list->Item(static_cast<std::int32_t>(slot) + 1);
+  return slots_[slot].Unpack();
+}
 
 std::size_t Collection::SlotAt(std::int32_t position) const {
   if (position < 1 || static_cast<std::size_t>(position) > Size()) {
@@ -297,7 +325,7 @@ std::size_t Collection::Size() const {
 }
 
 bool Collection::IsRemoved(std::size_t slot) const {
-  return keys_ != nullptr && keys_->removed[slot];
+  return keys_ != nullptr && keys_->foreign == nullptr && keys_->removed[slot];
 }
 
 }  // namespace lotrix
