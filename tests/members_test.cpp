@@ -880,5 +880,77 @@ TEST_F(MemberCalls, ATextThatIsNoNumberIsOfTheWrongType) {
   }
 }
 
+struct TableMember {
+  std::uint32_t dispatchId;
+  std::string name;
+  MemberKind kind;
+  std::vector<Published> parameters;
+  std::string result;
+  bool operator==(const TableMember&) const = default;
+};
+
+void PrintTo(const TableMember& member, std::ostream* out) {
+  *out << std::hex << member.dispatchId << std::dec << " " << member.name << " kind "
+       << static_cast<int>(member.kind) << " of " << member.parameters.size() << " -> "
+       << member.result;
+}
+
+TEST(PublishedResultSet, HasTheseMembersInThisOrder) {
+  using enum MemberKind;
+  const std::vector<Published> longValue = {Required("value", ParameterType::kLong)};
+  const std::vector<Published> collectionValue = {Required("value", ParameterType::kCollection)};
+  const Published aRow = Required("aRow", ParameterType::kLong);
+  const Published aCol = Required("aCol", ParameterType::kLong);
+  const std::vector<TableMember> expected = {
+      {0x68030003, "Cols", kPropertyGet, {}, "Long"},
+      {0x68030003, "Cols", kPropertyLet, longValue, ""},
+      {0x68030002, "Rows", kPropertyGet, {}, "Long"},
+      {0x68030002, "Rows", kPropertyLet, longValue, ""},
+      {0x68030001, "Data", kPropertyGet, {}, "Collection"},
+      {0x68030001, "Data", kPropertySet, collectionValue, ""},
+      {0x68030000, "Headers", kPropertyGet, {}, "Collection"},
+      {0x68030000, "Headers", kPropertySet, collectionValue, ""},
+      {0x60030006, "CLEAR", kMethod, {}, ""},
+      {0x60030007, "SetValue", kMethod, {aRow, aCol, Required("aValue")}, ""},
+      {0x60030008, "GetValue", kMethod, {aRow, aCol}, "String"},
+      {0x60030009, "AddRow", kMethod, {OptionalVariant("aCollection")}, ""},
+      {0x6003000A, "DeleteRow", kMethod, {aRow}, ""},
+  };
+  std::vector<TableMember> found;
+  for (const MemberDescription& member : ResultSetMembers()) {
+    std::vector<Published> parameters;
+    for (const Parameter& parameter : member.parameters) {
+      // Its methods take their arguments by reference, its properties by value.
+      EXPECT_EQ(parameter.byReference, member.kind == kMethod) << member.name;
+      EXPECT_FALSE(parameter.defaultText.has_value()) << member.name;
+      parameters.push_back(
+          {std::string(parameter.name), parameter.type, parameter.optional, std::nullopt});
+    }
+    found.push_back({member.dispatchId, std::string(member.name), member.kind, parameters,
+                     std::string(member.result)});
+  }
+  EXPECT_EQ(found, expected);
+}
+
+TEST(PublishedResultSet, TheServiceTakesItsArgumentsByValue) {
+  for (const Member& member : Members()) {
+    for (const Parameter& parameter : member.parameters) {
+      EXPECT_FALSE(parameter.byReference) << member.name << " " << parameter.name;
+    }
+  }
+}
+
+TEST(PublishedContract, HasTheseFieldsInThisOrder) {
+  std::vector<std::string> fields;
+  for (const RecordField& field : ContractFields()) {
+    fields.push_back(std::string(field.name) + " " + std::string(field.type));
+  }
+  EXPECT_EQ(fields,
+            (std::vector<std::string>{
+                "vaccine String", "maker String", "begin Date", "end Date", "minbulk Long",
+                "unitsize Long", "pkgsize Long", "ndcno String", "cost Double", "contractid String",
+                "sel_maker String", "dos_wind String", "excfunds String", "descrip String"}));
+}
+
 }  // namespace
 }  // namespace lotrix::test

@@ -20,8 +20,8 @@
 
 namespace lotrix {
 
-enum class MemberKind { kMethod, kPropertyGet };
-enum class ParameterType { kString, kLong, kBoolean, kVariant };
+enum class MemberKind { kMethod, kPropertyGet, kPropertyLet, kPropertySet };
+enum class ParameterType { kString, kLong, kBoolean, kVariant, kCollection };
 [[nodiscard]] std::string_view ParameterTypeName(ParameterType type);
 
 struct Parameter {
@@ -31,6 +31,7 @@ struct Parameter {
   // What an omitted argument passes, as text. Nothing where it passes the empty
   // text or, for a Variant, that it is missing.
   std::optional<std::string_view> defaultText;
+  bool byReference = false;
 };
 
 // The answer of a call: nothing, a table, or the connection.
@@ -39,12 +40,15 @@ using CallResult = std::variant<Empty, cResultSet, std::shared_ptr<Connection>>;
 // An argument by value, or nothing where it is omitted.
 using Argument = std::optional<Value>;
 
-struct Member {
+struct MemberDescription {
   std::string_view name;
   std::uint32_t dispatchId;
   MemberKind kind;
   std::vector<Parameter> parameters;
   std::string_view result;  // empty for none
+};
+
+struct Member : MemberDescription {
   // Calls the member with one argument for each parameter, all conversions done
   // from left to right before the member runs.
   CallResult (*invoke)(cLotrix& service, std::span<const Argument> arguments);
@@ -52,6 +56,17 @@ struct Member {
 
 // The members of the service class, in interface order.
 [[nodiscard]] std::span<const Member> Members();
+
+// The members of the result table, in interface order; a property that can be
+// read and written stands there twice.
+[[nodiscard]] std::span<const MemberDescription> ResultSetMembers();
+
+// The fields of the published record Contract, a row of the contract table.
+struct RecordField {
+  std::string_view name;
+  std::string_view type;  // String, Date, Long or Double
+};
+[[nodiscard]] std::span<const RecordField> ContractFields();
 
 // Without regard to case; throws 438 for a member that is not published.
 [[nodiscard]] const Member& MemberNamed(std::string_view name);

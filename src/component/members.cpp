@@ -100,7 +100,10 @@ struct Signature<kMethod> {
     std::vector<Parameter> parameters;
     for (std::size_t i = 0; i < kTypes.size(); ++i) {
       const ParameterText& text = texts.at(i);
-      parameters.push_back({text.name, kTypes[i], text.optional, text.defaultText});
+      parameters.push_back({.name = text.name,
+                            .type = kTypes[i],
+                            .optional = text.optional,
+                            .defaultText = text.defaultText});
     }
     return parameters;
   }
@@ -110,9 +113,8 @@ template <auto kMethod>
 Member Published(std::string_view name, std::uint32_t dispatchId,
                  const std::vector<ParameterText>& parameters, std::string_view result = {},
                  MemberKind kind = MemberKind::kMethod) {
-  return {name,   dispatchId,
-          kind,   Signature<kMethod>::Parameters(parameters),
-          result, &Signature<kMethod>::Invoke};
+  return {{name, dispatchId, kind, Signature<kMethod>::Parameters(parameters), result},
+          &Signature<kMethod>::Invoke};
 }
 
 // The number of parameters when there is none of that name.
@@ -250,6 +252,59 @@ std::vector<Member> MakeMembers() {
   };
 }
 
+std::vector<MemberDescription> MakeResultSetMembers() {
+  using enum MemberKind;
+  using enum ParameterType;
+  const auto byValue = [](ParameterType type) -> std::vector<Parameter> {
+    return {{.name = "value", .type = type, .optional = false, .defaultText = {}}};
+  };
+  const auto byReference = [](std::string_view name, ParameterType type,
+                              bool optional = false) -> Parameter {
+    return {
+        .name = name, .type = type, .optional = optional, .defaultText = {}, .byReference = true};
+  };
+  return {
+      {"Cols", 0x68030003, kPropertyGet, {}, "Long"},
+      {"Cols", 0x68030003, kPropertyLet, byValue(kLong), {}},
+      {"Rows", 0x68030002, kPropertyGet, {}, "Long"},
+      {"Rows", 0x68030002, kPropertyLet, byValue(kLong), {}},
+      {"Data", 0x68030001, kPropertyGet, {}, "Collection"},
+      {"Data", 0x68030001, kPropertySet, byValue(kCollection), {}},
+      {"Headers", 0x68030000, kPropertyGet, {}, "Collection"},
+      {"Headers", 0x68030000, kPropertySet, byValue(kCollection), {}},
+      {"CLEAR", 0x60030006, kMethod, {}, {}},
+      {"SetValue",
+       0x60030007,
+       kMethod,
+       {byReference("aRow", kLong), byReference("aCol", kLong), byReference("aValue", kString)},
+       {}},
+      {"GetValue",
+       0x60030008,
+       kMethod,
+       {byReference("aRow", kLong), byReference("aCol", kLong)},
+       "String"},
+      {"AddRow", 0x60030009, kMethod, {byReference("aCollection", kVariant, true)}, {}},
+      {"DeleteRow", 0x6003000A, kMethod, {byReference("aRow", kLong)}, {}},
+  };
+}
+
+constexpr std::array<RecordField, 14> kContractFields = {{
+    {"vaccine", "String"},
+    {"maker", "String"},
+    {"begin", "Date"},
+    {"end", "Date"},
+    {"minbulk", "Long"},
+    {"unitsize", "Long"},
+    {"pkgsize", "Long"},
+    {"ndcno", "String"},
+    {"cost", "Double"},
+    {"contractid", "String"},
+    {"sel_maker", "String"},
+    {"dos_wind", "String"},
+    {"excfunds", "String"},
+    {"descrip", "String"},
+}};
+
 }  // namespace
 
 std::string_view ParameterTypeName(ParameterType type) {
@@ -262,6 +317,8 @@ std::string_view ParameterTypeName(ParameterType type) {
       return "Boolean";
     case ParameterType::kVariant:
       return "Variant";
+    case ParameterType::kCollection:
+      return "Collection";
   }
   return {};
 }
@@ -270,6 +327,13 @@ std::span<const Member> Members() {
   static const std::vector<Member> kMembers = MakeMembers();
   return kMembers;
 }
+
+std::span<const MemberDescription> ResultSetMembers() {
+  static const std::vector<MemberDescription> kMembers = MakeResultSetMembers();
+  return kMembers;
+}
+
+std::span<const RecordField> ContractFields() { return kContractFields; }
 
 const Member& MemberNamed(std::string_view name) {
   for (const Member& member : Members()) {
