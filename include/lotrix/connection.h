@@ -62,11 +62,17 @@ class Connection {
  private:
   friend class Recordset;
   friend struct ConnectionAccess;
-  Session& OpenSession() const;
+  [[nodiscard]] Session& OpenSession() const;
+  void RequireOpen() const;
+  void RequireClosed() const;
+  void DropSession() noexcept;
 
   std::string connectionString_;
   ConnectMode mode_ = ConnectMode::kUnknown;
   std::unique_ptr<Session> session_;
+  // Another program's connection object, where one does the work; kept from one
+  // opening to the next.
+  std::shared_ptr<void> object_;
   std::vector<Recordset*> recordsets_;  // the open ones
 };
 

@@ -16,6 +16,7 @@ namespace lotrix {
 class Connection;
 class Cursor;
 class Recordset;
+class Session;
 class Statement;
 struct RecordsetView;
 
@@ -120,7 +121,9 @@ class Recordset {
   friend class Field;
   friend class lotrix::Fields;
   friend struct RecordsetView;
-  void RunOn(Connection& connection, const Statement& statement);
+  void Execute(const Statement& statement, Connection& connection);
+  [[nodiscard]] Session& RequireReady(Connection& connection, const Statement& statement) const;
+  void Take(std::unique_ptr<Cursor> cursor, Connection& connection);
   void FetchAhead();
   void Drop() noexcept;
   void RequireOpen() const;

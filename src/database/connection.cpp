@@ -21,37 +21,44 @@ void SetUnlessEmpty(ConnectionSettings& settings, const char* keyword, const std
 
 Connection::Connection() = default;
 
-Connection::~Connection() {
-  for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
-  for (Recordset* const recordset : recordsets_) recordset->Drop();
-}
+Connection::~Connection() { DropSession(); }
 
 const std::string& Connection::ConnectionString() const noexcept { return connectionString_; }
 
 void Connection::ConnectionString(const Text& connectionString) {
-  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  RequireClosed();
   connectionString_ = connectionString.str();
 }
 
 ConnectMode Connection::Mode() const noexcept { return mode_; }
 
 void Connection::Mode(ConnectMode mode) {
-  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  RequireClosed();
   mode_ = mode;
 }
 
 void Connection::Open(const Text& connectionString, const Text& userId, const Text& password,
                       int /*options*/) {
-  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  RequireClosed();
+  DropSession();
   if (!connectionString.str().empty()) connectionString_ = connectionString.str();
   ConnectionSettings settings = ParseConnectionString(connectionString_);
   SetUnlessEmpty(settings, "user id", userId);
   SetUnlessEmpty(settings, "password", password);
-  session_ = lotrix::OpenSession(settings, mode_);
+  session_ = lotrix::OpenSession({.connectionString = connectionString_,
+                                  .userId = userId,
+                                  .password = password,
+                                  .settings = settings,
+                                  .mode = mode_,
+                                  .object = object_});
 }
 
 void Connection::Close() {
-  OpenSession();
+  RequireOpen();
+  DropSession();
+}
+
+void Connection::DropSession() noexcept {
   for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
   for (Recordset* const recordset : recordsets_) recordset->Drop();
   recordsets_.clear();
@@ -59,7 +66,7 @@ void Connection::Close() {
 }
 
 ObjectState Connection::State() const noexcept {
-  return session_ == nullptr ? ObjectState::kClosed : ObjectState::kOpen;
+  return session_ == nullptr || !session_->IsOpen() ? ObjectState::kClosed : ObjectState::kOpen;
 }
 
 std::unique_ptr<Recordset> Connection::Execute(const Text& commandText) {
@@ -68,7 +75,7 @@ std::unique_ptr<Recordset> Connection::Execute(const Text& commandText) {
 
 std::unique_ptr<Recordset> Connection::Execute(const Statement& statement) {
   auto recordset = std::make_unique<Recordset>();
-  recordset->RunOn(*this, statement);
+  recordset->Execute(statement, *this);
   return recordset;
 }
 
@@ -93,7 +100,9 @@ void Connection::RollbackTrans() {
   OpenSession().Rollback();
 }
 
-bool Connection::InTransaction() const { return session_ != nullptr && session_->InTransaction(); }
+bool Connection::InTransaction() const {
+  return State() == ObjectState::kOpen && session_->InTransaction();
+}
 
 void Connection::CreateSchema() {
   if (OpenSession().InTransaction()) {
@@ -105,13 +114,25 @@ void Connection::CreateSchema() {
 void ConnectionAccess::WrapSession(
     Connection& connection,
     const std::function<std::unique_ptr<Session>(std::unique_ptr<Session>)>& wrap) {
-  connection.OpenSession();
+  connection.RequireOpen();
   connection.session_ = wrap(std::move(connection.session_));
 }
 
+std::shared_ptr<void> ConnectionAccess::ForeignObject(const Connection& connection) {
+  return connection.State() == ObjectState::kOpen ? connection.object_ : nullptr;
+}
+
 Session& Connection::OpenSession() const {
-  if (session_ == nullptr) RaiseRuntimeError(RuntimeError::kObjectIsClosed);
+  RequireOpen();
   return *session_;
+}
+
+void Connection::RequireOpen() const {
+  if (State() == ObjectState::kClosed) RaiseRuntimeError(RuntimeError::kObjectIsClosed);
+}
+
+void Connection::RequireClosed() const {
+  if (State() == ObjectState::kOpen) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
 }
 
 }  // namespace lotrix

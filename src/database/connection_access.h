@@ -16,6 +16,10 @@ struct ConnectionAccess {
   static void WrapSession(
       Connection& connection,
       const std::function<std::unique_ptr<Session>(std::unique_ptr<Session>)>& wrap);
+
+  // The connection object of another program that the open connection works
+  // through; null for the engines that are built in.
+  static std::shared_ptr<void> ForeignObject(const Connection& connection);
 };
 
 }  // namespace lotrix

@@ -85,21 +85,30 @@ Field Fields::Item(std::string_view name) const {
 Recordset::Recordset() = default;
 Recordset::~Recordset() { Drop(); }
 
-void Recordset::Open(const Text& source, Connection& connection, CursorType /*cursor*/,
-                     LockType /*lock*/, CommandType /*options*/) {
-  RunOn(connection, Statement::Whole(source));
+void Recordset::Open(const Text& source, Connection& connection, CursorType cursor, LockType lock,
+                     CommandType options) {
+  Open(Statement::Whole(source), connection, cursor, lock, options);
 }
 
-void Recordset::Open(const Statement& source, Connection& connection, CursorType /*cursor*/,
-                     LockType /*lock*/, CommandType /*options*/) {
-  RunOn(connection, source);
+void Recordset::Open(const Statement& source, Connection& connection, CursorType cursor,
+                     LockType lock, CommandType options) {
+  Session& session = RequireReady(connection, source);
+  Take(session.OpenRecordset(source, cursor, lock, options), connection);
 }
 
-void Recordset::RunOn(Connection& connection, const Statement& statement) {
+void Recordset::Execute(const Statement& statement, Connection& connection) {
+  Session& session = RequireReady(connection, statement);
+  Take(session.Run(statement), connection);
+}
+
+Session& Recordset::RequireReady(Connection& connection, const Statement& statement) const {
   if (connection_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
   Session& session = connection.OpenSession();
   RequireShape(statement);
-  std::unique_ptr<Cursor> cursor = session.Run(statement);
+  return session;
+}
+
+void Recordset::Take(std::unique_ptr<Cursor> cursor, Connection& connection) {
   if (cursor == nullptr) return;
   connection.recordsets_.push_back(this);
   connection_ = &connection;
@@ -117,6 +126,7 @@ ObjectState Recordset::State() const noexcept {
 
 std::int32_t Recordset::RecordCount() {
   RequireOpen();
+  if (const auto known = cursor_->RecordCount()) return *known;
   if (!fetched_) FetchAhead();
   const auto columns = static_cast<std::size_t>(cursor_->ColumnCount());
   const std::size_t count =

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,9 @@ class Cursor {
   // As the column is declared; kEmpty for a column that is not one of a table.
   [[nodiscard]] virtual DataType DeclaredType(int column) const = 0;
   [[nodiscard]] virtual ValueView ColumnValue(int column) const = 0;
+  // How many rows there are in all, where the engine says so without their being
+  // fetched.
+  virtual std::optional<std::int32_t> RecordCount() { return std::nullopt; }
   [[nodiscard]] virtual bool AtEnd() const = 0;
   // To the next row. At the end the engine's resources are free already.
   virtual void Next() = 0;
@@ -40,6 +44,14 @@ class Session {
   // Runs the statement, whose shape has been checked; nothing comes back when it
   // returns no rows.
   virtual std::unique_ptr<Cursor> Run(const Statement& statement) = 0;
+  // The same for a recordset; an engine with one kind of cursor need not look at
+  // what is asked for.
+  virtual std::unique_ptr<Cursor> OpenRecordset(const Statement& statement, CursorType /*cursor*/,
+                                                LockType /*lock*/, CommandType /*options*/) {
+    return Run(statement);
+  }
+  // False once what stands behind the session is closed or lost.
+  [[nodiscard]] virtual bool IsOpen() const { return true; }
   virtual void Begin() = 0;
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
@@ -47,9 +59,20 @@ class Session {
   virtual void CreateSchema() = 0;
 };
 
+// What a connection is opened with.
+struct Opening {
+  const std::string& connectionString;  // as it was given
+  const std::string& userId;            // given beside it, as is the password
+  const std::string& password;
+  const ConnectionSettings& settings;  // all of these together
+  ConnectMode mode;
+  // A connection object of another program, from the last opening or none yet.
+  std::shared_ptr<void>& object;
+};
+
 // Opens a session with the provider that the settings name; throws 3706 when
 // there is none.
-std::unique_ptr<Session> OpenSession(const ConnectionSettings& settings, ConnectMode mode);
+std::unique_ptr<Session> OpenSession(const Opening& opening);
 
 }  // namespace lotrix
 

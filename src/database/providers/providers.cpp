@@ -4,6 +4,9 @@
 #include "src/database/providers/sqlite/session.h"
 #include "src/database/session.h"
 #include "src/errors/raise_error.h"
+#ifdef _WIN32
+#include "src/database/providers/ado/session.h"
+#endif
 
 namespace lotrix {
 
@@ -19,10 +22,17 @@ constexpr std::array<Provider, 1> kProviders = {{{"sqlite", sqlite::Open, sqlite
 
 }  // namespace
 
-std::unique_ptr<Session> OpenSession(const ConnectionSettings& settings, ConnectMode mode) {
+std::unique_ptr<Session> OpenSession(const Opening& opening) {
   for (const Provider& provider : kProviders) {
-    if (provider.name == settings.provider) return provider.open(settings, mode);
+    if (provider.name == opening.settings.provider) {
+      opening.object.reset();
+      return provider.open(opening.settings, opening.mode);
+    }
   }
+#ifdef _WIN32
+  // Whatever else is named is looked for among the providers of the system.
+  if (!opening.settings.provider.empty()) return ado::Open(opening);
+#endif
   RaiseRuntimeError(RuntimeError::kUnknownProvider);
 }
 

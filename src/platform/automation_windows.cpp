@@ -1,0 +1,311 @@
+#include <charconv>
+#include <cmath>
+#include <new>
+
+#include "src/errors/raise_error.h"
+#include "src/platform/automation.h"
+#include "src/platform/values.h"
+#include "src/platform/wide_text.h"
+
+namespace lotrix::automation {
+
+namespace {
+
+constexpr HRESULT kScriptErrors = static_cast<HRESULT>(0x800A0000);
+
+// The English rules, whatever the machine's own are.
+constexpr LCID kEnglish = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
+
+Value FromUnsigned(ULONGLONG number) {
+  if (number <= static_cast<ULONGLONG>(INT64_MAX)) return static_cast<std::int64_t>(number);
+  return static_cast<double>(number);
+}
+
+// The number that people read and write, not the nearest double to the float: 0.1
+// stays 0.1.
+double FromFloat(float number) {
+  char text[64];
+  const auto written = std::to_chars(text, text + sizeof(text), number);
+  double widened = number;
+  std::from_chars(text, written.ptr, widened);
+  return widened;
+}
+
+OwnedVariant ByAutomation(const VARIANT& variant, VARTYPE type) {
+  OwnedVariant converted;
+  const HRESULT result =
+      VariantChangeTypeEx(&*converted, const_cast<VARIANT*>(&variant), kEnglish, 0, type);
+  if (FAILED(result)) RaiseHresult(result);
+  return converted;
+}
+
+Value DefaultValueOf(IDispatch* object) {
+  if (object == nullptr) RaiseRuntimeError(RuntimeError::kObjectNotSet);
+  DISPPARAMS none{};
+  OwnedVariant value;
+  const HRESULT result =
+      object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT,
+                     DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &*value, nullptr, nullptr);
+  // An object whose value is an object would send us round in circles.
+  if (FAILED(result) || HoldsObject(*value)) RaiseRuntimeError(RuntimeError::kTypeMismatch);
+  return ToValue(*value);
+}
+
+std::string SystemText(HRESULT result) {
+  wchar_t* text = nullptr;
+  const DWORD length = FormatMessageW(
+      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+      nullptr, static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+  std::string utf8 = ToUtf8({text, length});
+  LocalFree(text);
+  while (!utf8.empty() && (utf8.back() == '\r' || utf8.back() == '\n' || utf8.back() == ' ')) {
+    utf8.pop_back();
+  }
+  return utf8.empty() ? "Automation error" : utf8;
+}
+
+struct ExceptionTexts {
+  EXCEPINFO info{};
+  ~ExceptionTexts() {
+    SysFreeString(info.bstrSource);
+    SysFreeString(info.bstrDescription);
+    SysFreeString(info.bstrHelpFile);
+  }
+};
+
+[[noreturn]] void RaiseInvoked(HRESULT result, EXCEPINFO& info) {
+  switch (result) {
+    case DISP_E_MEMBERNOTFOUND:
+    case DISP_E_UNKNOWNNAME:
+      RaiseRuntimeError(RuntimeError::kUnknownMember);
+    case DISP_E_TYPEMISMATCH:
+      RaiseRuntimeError(RuntimeError::kTypeMismatch);
+    case DISP_E_BADPARAMCOUNT:
+      RaiseRuntimeError(RuntimeError::kWrongNumberOfArguments);
+    case DISP_E_PARAMNOTOPTIONAL:
+      RaiseRuntimeError(RuntimeError::kArgumentNotOptional);
+    case DISP_E_EXCEPTION:
+      break;
+    default:
+      RaiseHresult(result);
+  }
+  if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
+  // Old programs give a 16-bit code in place of an HRESULT.
+  const HRESULT number = info.wCode != 0 ? kScriptErrors + info.wCode : info.scode;
+  std::string description = FromBstr(info.bstrDescription);
+  if (description.empty()) description = SystemText(number);
+  throw Error(FromHresult(number), std::move(description), FromBstr(info.bstrSource));
+}
+
+DISPID IdOf(IDispatch* object, const wchar_t* member) {
+  if (object == nullptr) RaiseRuntimeError(RuntimeError::kObjectNotSet);
+  DISPID id = DISPID_UNKNOWN;
+  auto* name = const_cast<wchar_t*>(member);
+  if (FAILED(object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id))) {
+    RaiseRuntimeError(RuntimeError::kUnknownMember);
+  }
+  return id;
+}
+
+OwnedVariant InvokeById(IDispatch* object, DISPID id, WORD kind,
+                        const std::vector<OwnedVariant>& arguments) {
+  std::vector<VARIANT> backwards;
+  backwards.reserve(arguments.size());
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+    backwards.push_back(**argument);
+  }
+  DISPID named = DISPID_PROPERTYPUT;
+  const bool puts = kind == DISPATCH_PROPERTYPUT;
+  DISPPARAMS parameters = {backwards.data(), puts ? &named : nullptr,
+                           static_cast<UINT>(backwards.size()), puts ? 1U : 0U};
+  ExceptionTexts texts;
+  OwnedVariant result;
+  const HRESULT invoked = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
+                                         puts ? nullptr : &*result, &texts.info, nullptr);
+  if (FAILED(invoked)) RaiseInvoked(invoked, texts.info);
+  return result;
+}
+
+}  // namespace
+
+std::string FromBstr(const OLECHAR* text) {
+  if (text == nullptr) return {};
+  return ToUtf8({text, SysStringLen(const_cast<OLECHAR*>(text))});
+}
+
+BSTR ToBstr(std::string_view utf8) {
+  const std::wstring wide = ToWide(utf8);
+  BSTR const text = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+  if (text == nullptr) throw std::bad_alloc();
+  return text;
+}
+
+const VARIANT& Referred(const VARIANT& variant) {
+  return V_VT(&variant) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(&variant) != nullptr
+             ? *V_VARIANTREF(&variant)
+             : variant;
+}
+
+bool IsMissing(const VARIANT& variant) {
+  const VARIANT& referred = Referred(variant);
+  return V_VT(&referred) == VT_ERROR && V_ERROR(&referred) == DISP_E_PARAMNOTFOUND;
+}
+
+bool HoldsObject(const VARIANT& variant) {
+  const VARTYPE type = V_VT(&Referred(variant)) & ~VT_BYREF;
+  return type == VT_DISPATCH || type == VT_UNKNOWN;
+}
+
+IDispatch* ObjectIn(const VARIANT& variant) {
+  const VARIANT& referred = Referred(variant);
+  switch (V_VT(&referred)) {
+    case VT_DISPATCH:
+      return V_DISPATCH(&referred);
+    case VT_BYREF | VT_DISPATCH:
+      return *V_DISPATCHREF(&referred);
+    default:
+      return nullptr;
+  }
+}
+
+Value ToValue(const VARIANT& variant) {
+  OwnedVariant plain;
+  if (FAILED(VariantCopyInd(&*plain, const_cast<VARIANT*>(&variant))))
+    RaiseRuntimeError(RuntimeError::kTypeMismatch);
+  switch (V_VT(&*plain)) {
+    case VT_EMPTY:
+      return Empty{};
+    case VT_NULL:
+      return Null{};
+    case VT_BOOL:
+      return plain->boolVal != VARIANT_FALSE;
+    case VT_I1:
+      return std::int64_t{static_cast<signed char>(plain->cVal)};
+    case VT_UI1:
+      return std::int64_t{plain->bVal};
+    case VT_I2:
+      return std::int64_t{plain->iVal};
+    case VT_UI2:
+      return std::int64_t{plain->uiVal};
+    case VT_I4:
+    case VT_INT:
+      return std::int64_t{plain->lVal};
+    case VT_UI4:
+    case VT_UINT:
+      return std::int64_t{plain->ulVal};
+    case VT_I8:
+      return std::int64_t{plain->llVal};
+    case VT_UI8:
+      return FromUnsigned(plain->ullVal);
+    case VT_R4:
+      return FromFloat(plain->fltVal);
+    case VT_R8:
+      return plain->dblVal;
+    case VT_CY:
+    case VT_DECIMAL:
+      return ByAutomation(*plain, VT_R8)->dblVal;
+    case VT_DATE:
+      return lotrix::ToDate(plain->date);
+    case VT_BSTR:
+      return FromBstr(plain->bstrVal);
+    case VT_DISPATCH:
+      return DefaultValueOf(plain->pdispVal);
+    default:
+      RaiseRuntimeError(RuntimeError::kTypeMismatch);
+  }
+}
+
+std::string ToEnglishText(const VARIANT& variant) {
+  return FromBstr(ByAutomation(variant, VT_BSTR)->bstrVal);
+}
+
+OwnedVariant FromValue(const Value& value) {
+  OwnedVariant variant;
+  if (const auto* text = std::get_if<std::string>(&value)) return FromText(*text);
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) {
+    if (*whole == static_cast<std::int32_t>(*whole)) {
+      return FromLong(static_cast<std::int32_t>(*whole));
+    }
+    variant->vt = VT_R8;
+    variant->dblVal = static_cast<double>(*whole);
+  } else if (const auto* number = std::get_if<double>(&value)) {
+    variant->vt = VT_R8;
+    variant->dblVal = *number;
+  } else if (const auto* logical = std::get_if<bool>(&value)) {
+    variant->vt = VT_BOOL;
+    variant->boolVal = *logical ? VARIANT_TRUE : VARIANT_FALSE;
+  } else if (std::holds_alternative<Date>(value)) {
+    variant->vt = VT_DATE;
+    variant->date = lotrix::ToDouble(value);
+  } else if (std::holds_alternative<Null>(value)) {
+    variant->vt = VT_NULL;
+  }
+  return variant;
+}
+
+OwnedVariant FromText(std::string_view utf8) {
+  OwnedVariant variant;
+  variant->bstrVal = ToBstr(utf8);
+  variant->vt = VT_BSTR;
+  return variant;
+}
+
+OwnedVariant FromLong(std::int32_t number) {
+  OwnedVariant variant;
+  variant->vt = VT_I4;
+  variant->lVal = number;
+  return variant;
+}
+
+OwnedVariant FromObject(IDispatch* object) {
+  OwnedVariant variant;
+  variant->vt = VT_DISPATCH;
+  variant->pdispVal = Hold(object).release();
+  return variant;
+}
+
+OwnedVariant MissingArgument() {
+  OwnedVariant variant;
+  variant->vt = VT_ERROR;
+  variant->scode = DISP_E_PARAMNOTFOUND;
+  return variant;
+}
+
+HRESULT ToHresult(std::int32_t number) {
+  if (number > 0 && number < 65536) return kScriptErrors + number;
+  return number < 0 ? number : E_FAIL;
+}
+
+std::int32_t FromHresult(HRESULT result) {
+  const auto bits = static_cast<std::uint32_t>(result);
+  return (bits & 0xFFFF0000U) == 0x800A0000U ? static_cast<std::int32_t>(bits & 0xFFFFU) : result;
+}
+
+void RaiseHresult(HRESULT result) {
+  switch (result) {
+    case DISP_E_TYPEMISMATCH:
+      RaiseRuntimeError(RuntimeError::kTypeMismatch);
+    case DISP_E_OVERFLOW:
+      RaiseRuntimeError(RuntimeError::kOverflow);
+    case E_OUTOFMEMORY:
+      throw std::bad_alloc();
+    default:
+      throw Error(FromHresult(result), SystemText(result));
+  }
+}
+
+OwnedVariant Call(IDispatch* object, const wchar_t* member, std::vector<OwnedVariant> arguments) {
+  return InvokeById(object, IdOf(object, member), DISPATCH_METHOD, arguments);
+}
+
+OwnedVariant Get(IDispatch* object, const wchar_t* member, std::vector<OwnedVariant> arguments) {
+  // Many objects tell a property from a method by nothing but the caller's word.
+  return InvokeById(object, IdOf(object, member), DISPATCH_METHOD | DISPATCH_PROPERTYGET,
+                    arguments);
+}
+
+void Put(IDispatch* object, const wchar_t* member, OwnedVariant value) {
+  InvokeById(object, IdOf(object, member), DISPATCH_PROPERTYPUT, Arguments(std::move(value)));
+}
+
+}  // namespace lotrix::automation
