@@ -1,0 +1,3 @@
+// What the header made from the interface description includes for the automation
+// types.
+#include <ole2.h>
