@@ -2,8 +2,9 @@
 # missing, configures, builds and runs.
 PRESET ?= default
 JOBS ?= $(shell nproc)
+WINDOWS_WERROR = $(if $(filter ci,$(PRESET)),ON,OFF)
 
-.PHONY: build demo test bench lint format sanitize clean
+.PHONY: build demo test windows bench lint format sanitize clean
 
 build:
 	scripts/install-deps build test
@@ -13,8 +14,20 @@ build:
 demo: build
 	build/lotrix demo
 
-test: build
+test: windows build
 	ctest --test-dir build -j $(JOBS) --output-on-failure
+
+windows:
+	scripts/install-deps build windows
+	scripts/fetch-sqlite build/sqlite
+	cmake --preset $(PRESET) >/dev/null
+	cmake --build --preset $(PRESET) -j $(JOBS) --target lotrix_write_idl
+	cmake --preset windows-x86_64 -DLOTRIX_WERROR=$(WINDOWS_WERROR) >/dev/null
+	cmake --build --preset windows-x86_64 -j $(JOBS)
+	cmake --preset windows-i686 -DLOTRIX_WERROR=$(WINDOWS_WERROR) >/dev/null
+	cmake --build --preset windows-i686 -j $(JOBS)
+	cp com/README.md build/windows/README.md
+	cmake -E copy_directory build/windows/x86_64/com/generated/include build/windows/include
 
 bench:
 	scripts/install-deps build bench

@@ -1,3 +1,5 @@
+#include <dispex.h>
+
 #include <charconv>
 #include <cmath>
 #include <new>
@@ -97,13 +99,26 @@ struct ExceptionTexts {
   throw Error(FromHresult(number), std::move(description), FromBstr(info.bstrSource));
 }
 
+// Objects of script classes may answer through this interface alone. Null for
+// others.
+Held<IDispatchEx> Extended(IDispatch* object) {
+  void* extended = nullptr;
+  if (FAILED(object->QueryInterface(__uuidof(IDispatchEx), &extended))) return nullptr;
+  return Held<IDispatchEx>(static_cast<IDispatchEx*>(extended));
+}
+
 DISPID IdOf(IDispatch* object, const wchar_t* member) {
   if (object == nullptr) RaiseRuntimeError(RuntimeError::kObjectNotSet);
   DISPID id = DISPID_UNKNOWN;
   auto* name = const_cast<wchar_t*>(member);
-  if (FAILED(object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id))) {
-    RaiseRuntimeError(RuntimeError::kUnknownMember);
+  HRESULT found = object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
+  if (found == E_NOTIMPL) {
+    if (const Held<IDispatchEx> extended = Extended(object)) {
+      const OwnedVariant text = FromText(ToUtf8(member));
+      found = extended->GetDispID(text->bstrVal, fdexNameCaseInsensitive, &id);
+    }
   }
+  if (FAILED(found)) RaiseRuntimeError(RuntimeError::kUnknownMember);
   return id;
 }
 
@@ -120,8 +135,15 @@ OwnedVariant InvokeById(IDispatch* object, DISPID id, WORD kind,
                            static_cast<UINT>(backwards.size()), puts ? 1U : 0U};
   ExceptionTexts texts;
   OwnedVariant result;
-  const HRESULT invoked = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
-                                         puts ? nullptr : &*result, &texts.info, nullptr);
+  VARIANT* const answer = puts ? nullptr : &*result;
+  HRESULT invoked = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, answer,
+                                   &texts.info, nullptr);
+  if (invoked == E_NOTIMPL) {
+    if (const Held<IDispatchEx> extended = Extended(object)) {
+      invoked = extended->InvokeEx(id, LOCALE_USER_DEFAULT, kind, &parameters, answer, &texts.info,
+                                   nullptr);
+    }
+  }
   if (FAILED(invoked)) RaiseInvoked(invoked, texts.info);
   return result;
 }
