@@ -2,8 +2,9 @@
 # missing, configures, builds and runs.
 PRESET ?= default
 JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
 
-.PHONY: build demo test bench lint format sanitize clean
+.PHONY: build demo install test bench lint format sanitize clean
 
 build:
 	scripts/install-deps build test
@@ -12,6 +13,9 @@ build:
 
 demo: build
 	build/lotrix demo
+
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install build --prefix "$(abspath $(PREFIX))"
 
 test: build
 	ctest --test-dir build -j $(JOBS) --output-on-failure
