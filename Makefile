@@ -3,8 +3,9 @@
 PRESET ?= default
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
+FUZZ_SECONDS ?= 60
 
-.PHONY: build demo install test bench lint format sanitize clean
+.PHONY: build demo install test bench fuzz lint format sanitize clean
 
 build:
 	scripts/install-deps build test
@@ -31,6 +32,12 @@ sanitize:
 	cmake --preset sanitize >/dev/null
 	cmake --build --preset sanitize -j $(JOBS)
 	ctest --test-dir build/sanitize -j $(JOBS) --output-on-failure
+
+fuzz:
+	scripts/install-deps build fuzz
+	cmake --preset fuzz >/dev/null
+	cmake --build --preset fuzz -j $(JOBS)
+	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
 
 lint:
 	scripts/install-deps build test bench lint
