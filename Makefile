@@ -3,8 +3,10 @@
 PRESET ?= default
 JOBS ?= $(shell nproc)
 WINDOWS_WERROR = $(if $(filter ci,$(PRESET)),ON,OFF)
+PREFIX ?= /usr/local
+FUZZ_SECONDS ?= 60
 
-.PHONY: build demo test windows bench lint format sanitize clean
+.PHONY: build demo install test windows bench fuzz lint format sanitize clean
 
 build:
 	scripts/install-deps build test
@@ -13,6 +15,9 @@ build:
 
 demo: build
 	build/lotrix demo
+
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install build --prefix "$(abspath $(PREFIX))"
 
 test: windows build
 	ctest --test-dir build -j $(JOBS) --output-on-failure
@@ -40,6 +45,12 @@ sanitize:
 	cmake --preset sanitize >/dev/null
 	cmake --build --preset sanitize -j $(JOBS)
 	ctest --test-dir build/sanitize -j $(JOBS) --output-on-failure
+
+fuzz:
+	scripts/install-deps build fuzz
+	cmake --preset fuzz >/dev/null
+	cmake --build --preset fuzz -j $(JOBS)
+	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
 
 lint:
 	scripts/install-deps build test bench lint
