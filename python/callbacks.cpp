@@ -12,22 +12,29 @@ namespace lotrix::python {
 
 namespace {
 
+[[noreturn]] void Raise(PyObject* type, const std::string& text) {
+  PyErr_SetString(type, text.c_str());
+  throw py::error_already_set();
+}
+
 py::object RequireCallable(py::object callback, const char* name) {
   if (!callback || callback.is_none()) return {};
   if (PyCallable_Check(callback.ptr()) == 0) {
-    throw py::type_error(std::string(name) + " cannot be called");
+    Raise(PyExc_TypeError, std::string(name) + " cannot be called");
   }
   return callback;
 }
 
 std::chrono::system_clock::time_point TimeOf(const py::object& answer) {
   if (!py::isinstance(answer, py::module_::import("datetime").attr("datetime"))) {
-    throw py::type_error("clock() has to return a datetime.datetime");
+    Raise(PyExc_TypeError, "clock() has to return a datetime.datetime");
   }
   const double seconds = answer.attr("timestamp")().cast<double>();
   // The system clock counts nanoseconds in 64 bits: the years 1678 to 2261.
   constexpr double kFurthest = 9.2e9;
-  if (std::abs(seconds) > kFurthest) throw py::value_error("clock(): beyond the system's clock");
+  if (std::abs(seconds) > kFurthest) {
+    Raise(PyExc_ValueError, "clock() is beyond what the system can count");
+  }
   constexpr double kMicroseconds = 1e6;
   return std::chrono::system_clock::time_point(
       std::chrono::microseconds(std::llround(seconds * kMicroseconds)));

@@ -36,13 +36,8 @@ CallResult Answer(LotrixObject& self, const Member& member,
                   const std::vector<Argument>& arguments) {
   const Turn turn(*self.gate);
   try {
-    std::optional<CallResult> result;
-    {
-      const py::gil_scoped_release others;
-      result = lotrix::Call(*self.service, member, arguments);
-    }
-    self.callbacks.ThrowFailure();
-    return std::move(*result);
+    const py::gil_scoped_release others;
+    return lotrix::Call(*self.service, member, arguments);
   } catch (...) {
     self.callbacks.ThrowFailure();
     throw;
