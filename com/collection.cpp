@@ -174,7 +174,14 @@ class AutomationList final : public ForeignList {
   void Remove(std::string_view key) override {
     automation::Call(object_.get(), L"Remove", automation::Arguments(FromText(key)));
   }
-  std::int32_t Count() override { return LongIn(*automation::Get(object_.get(), L"Count")); }
+  std::int32_t Count() override {
+    OwnedVariant count = automation::Get(object_.get(), L"Count");
+    // A script's function read as a property is an object; it wants to be called.
+    if (automation::HoldsObject(*count)) {
+      return LongIn(*automation::Call(object_.get(), L"Count"));
+    }
+    return LongIn(*count);
+  }
 
   [[nodiscard]] IDispatch* object() const { return object_.get(); }
 

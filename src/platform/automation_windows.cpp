@@ -321,9 +321,17 @@ OwnedVariant Call(IDispatch* object, const wchar_t* member, std::vector<OwnedVar
 }
 
 OwnedVariant Get(IDispatch* object, const wchar_t* member, std::vector<OwnedVariant> arguments) {
-  // Many objects tell a property from a method by nothing but the caller's word.
-  return InvokeById(object, IdOf(object, member), DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                    arguments);
+  const DISPID id = IdOf(object, member);
+  // Many objects tell a property from a function by nothing but the caller's word.
+  constexpr WORD kEither = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+  if (!arguments.empty()) return InvokeById(object, id, kEither, arguments);
+  try {
+    // Others have plain properties, which cannot be called.
+    return InvokeById(object, id, DISPATCH_PROPERTYGET, arguments);
+  } catch (const Error& error) {
+    if (error.number() != static_cast<std::int32_t>(RuntimeError::kUnknownMember)) throw;
+    return InvokeById(object, id, kEither, arguments);
+  }
 }
 
 void Put(IDispatch* object, const wchar_t* member, OwnedVariant value) {
