@@ -18,7 +18,9 @@ enum class ConnectMode : std::int32_t { kUnknown = 0, kRead = 1, kWrite = 2, kRe
 
 // ADO-shaped. Used by one thread at a time; two connections share nothing but
 // the database. Which engine runs is told by the connection string alone:
-// "Provider=SQLite;Data Source=FILE".
+// "Provider=SQLite;Data Source=FILE" or "Provider=PostgreSQL;Host=H;Database=D". A
+// connection that its server has left is closed (State) from the call on that
+// noticed, and can be opened again.
 class Connection {
  public:
   Connection();
@@ -63,6 +65,8 @@ class Connection {
   friend class Recordset;
   friend struct ConnectionAccess;
   Session& OpenSession() const;
+  void RequireClosed() const;
+  void Drop() noexcept;
 
   std::string connectionString_;
   ConnectMode mode_ = ConnectMode::kUnknown;

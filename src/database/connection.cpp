@@ -21,28 +21,26 @@ void SetUnlessEmpty(ConnectionSettings& settings, const char* keyword, const std
 
 Connection::Connection() = default;
 
-Connection::~Connection() {
-  for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
-  for (Recordset* const recordset : recordsets_) recordset->Drop();
-}
+Connection::~Connection() { Drop(); }
 
 const std::string& Connection::ConnectionString() const noexcept { return connectionString_; }
 
 void Connection::ConnectionString(const Text& connectionString) {
-  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  RequireClosed();
   connectionString_ = connectionString.str();
 }
 
 ConnectMode Connection::Mode() const noexcept { return mode_; }
 
 void Connection::Mode(ConnectMode mode) {
-  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  RequireClosed();
   mode_ = mode;
 }
 
 void Connection::Open(const Text& connectionString, const Text& userId, const Text& password,
                       int /*options*/) {
-  if (session_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+  RequireClosed();
+  Drop();
   if (!connectionString.str().empty()) connectionString_ = connectionString.str();
   ConnectionSettings settings = ParseConnectionString(connectionString_);
   SetUnlessEmpty(settings, "user id", userId);
@@ -52,14 +50,11 @@ void Connection::Open(const Text& connectionString, const Text& userId, const Te
 
 void Connection::Close() {
   OpenSession();
-  for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
-  for (Recordset* const recordset : recordsets_) recordset->Drop();
-  recordsets_.clear();
-  session_.reset();
+  Drop();
 }
 
 ObjectState Connection::State() const noexcept {
-  return session_ == nullptr ? ObjectState::kClosed : ObjectState::kOpen;
+  return session_ != nullptr && session_->IsOpen() ? ObjectState::kOpen : ObjectState::kClosed;
 }
 
 std::unique_ptr<Recordset> Connection::Execute(const Text& commandText) {
@@ -93,7 +88,9 @@ void Connection::RollbackTrans() {
   OpenSession().Rollback();
 }
 
-bool Connection::InTransaction() const { return session_ != nullptr && session_->InTransaction(); }
+bool Connection::InTransaction() const {
+  return State() == ObjectState::kOpen && session_->InTransaction();
+}
 
 void Connection::CreateSchema() {
   if (OpenSession().InTransaction()) {
@@ -110,8 +107,19 @@ void ConnectionAccess::WrapSession(
 }
 
 Session& Connection::OpenSession() const {
-  if (session_ == nullptr) RaiseRuntimeError(RuntimeError::kObjectIsClosed);
+  if (State() == ObjectState::kClosed) RaiseRuntimeError(RuntimeError::kObjectIsClosed);
   return *session_;
+}
+
+void Connection::RequireClosed() const {
+  if (State() == ObjectState::kOpen) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+}
+
+void Connection::Drop() noexcept {
+  for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
+  for (Recordset* const recordset : recordsets_) recordset->Drop();
+  recordsets_.clear();
+  session_.reset();
 }
 
 }  // namespace lotrix

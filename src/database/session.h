@@ -45,6 +45,8 @@ class Session {
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
   virtual void CreateSchema() = 0;
+  // False once what stands behind it is closed or lost.
+  [[nodiscard]] virtual bool IsOpen() const { return true; }
 };
 
 // Opens a session with the provider that the settings name; throws 3706 when
