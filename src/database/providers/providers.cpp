@@ -1,6 +1,7 @@
 #include <array>
 
 #include "lotrix/version.h"
+#include "src/database/providers/postgresql/session.h"
 #include "src/database/providers/sqlite/session.h"
 #include "src/database/session.h"
 #include "src/errors/raise_error.h"
@@ -15,7 +16,9 @@ struct Provider {
   std::string (*engine)();  // name and version
 };
 
-constexpr std::array<Provider, 1> kProviders = {{{"sqlite", sqlite::Open, sqlite::Engine}}};
+constexpr std::array<Provider, 2> kProviders = {
+    {{"sqlite", sqlite::Open, sqlite::Engine},
+     {"postgresql", postgresql::Open, postgresql::Engine}}};
 
 }  // namespace
 
