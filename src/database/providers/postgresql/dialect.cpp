@@ -99,7 +99,7 @@ class PostgresqlTranslator final : public Translator {
     if (Here().kind == TokenKind::kKeyword) EnterClause();
     if (level().clause == Clause::kOrder && (closes || IsOperator(Here(), ","))) EndSortItem();
     WrapOperand();
-    Translator::WriteToken();
+    if (!WroteStar()) Translator::WriteToken();
     if (IsOperator(tokens_[first], "/")) WrapDivisor();
     if (closes && levels_.size() > 1) levels_.pop_back();
     if (IsOperator(Here(), "(")) {
@@ -188,9 +188,10 @@ class PostgresqlTranslator final : public Translator {
     if (OpensFunction(at_)) {
       WrapFunction();
     } else if (IsName(Here())) {
-      if (BeginsColumn()) WrapIfCompared(LastOfOperand(at_), [&] { return IsTextColumn(at_); });
+      if (BeginsColumn())
+        WrapIfCompared(LastOfOperand(at_), [&] { return IsColumn(at_, Kind::kText); });
     } else if (Here().kind == TokenKind::kText && ComparesLiterals()) {
-      Wrap("CAST(", at_, " AS bpchar)");
+      Wrap("CAST(", at_, " AS bpchar) COLLATE \"C\"");
     }
   }
 
@@ -199,6 +200,11 @@ class PostgresqlTranslator final : public Translator {
     const std::size_t last = LastOfOperand(at_);
     const std::size_t argument = at_ + 2;
     if (name == "avg") Wrap("CAST(", last, " AS double precision)");
+    // The engine's own sum of whole numbers would divide with a fraction.
+    const bool ofColumn = argument < tokens_.size() && LastOfOperand(argument) + 1 == last;
+    if (name == "sum" && ofColumn && IsColumn(argument, Kind::kWhole)) {
+      Wrap("CAST(", last, " AS bigint)");
+    }
     if ((name == "upper" || name == "lower") && argument < tokens_.size() &&
         tokens_[argument].kind == TokenKind::kText) {
       closings_[argument] = " COLLATE \"C\"";
@@ -294,15 +300,44 @@ class PostgresqlTranslator final : public Translator {
   [[nodiscard]] bool GivesText(std::size_t index) {
     if (tokens_[index].kind == TokenKind::kText) return true;
     if (!IsName(tokens_[index])) return false;
-    if (!OpensFunction(index)) return IsTextColumn(index);
+    if (!OpensFunction(index)) return IsColumn(index, Kind::kText);
     const std::string& name = tokens_[index].content;
     const bool givesItsArgument = name == "max" || name == "min";
     return givesItsArgument && index + 2 < tokens_.size() ? GivesText(index + 2)
                                                           : FunctionNamed(name).givesText;
   }
 
+  // All columns of distinct rows have to be named, to have the texts among them
+  // cast. Writes them for an asterisk that stands here, with its qualifier if it has
+  // one.
+  [[nodiscard]] bool WroteStar() {
+    if (level().clause != Clause::kList || !level().listIsCompared || level().inFunction) {
+      return false;
+    }
+    const std::size_t star = LastOfOperand(at_);
+    const Token& before = tokens_[at_ - 1];
+    if (!IsOperator(tokens_[star], "*") || EndsOperand(before)) return false;
+    result_->asksForColumns = true;
+    const std::string_view qualifier = star == at_ ? "" : Here().content;
+    std::string_view separator;
+    for (const Source& source : sources_) {
+      const auto table = tables_.find(source.table);
+      if (table == tables_.end() || (star != at_ && source.alias != qualifier)) continue;
+      for (const TableColumn& column : table->second) {
+        const std::string name = '"' + source.alias + "\".\"" + column.name + '"';
+        translation_->sql += separator;
+        Write(column.kind == Kind::kText ? "CAST(" + name + " AS bpchar)" : name);
+        separator = ",";
+      }
+    }
+    if (separator.empty()) return false;
+    at_ = star;
+    return true;
+  }
+
   // An unqualified name is looked for in all tables of the statement.
-  [[nodiscard]] bool IsTextColumn(std::size_t index) {
+  [[nodiscard]] bool IsColumn(std::size_t index, Kind kind) {
+    if (!IsName(tokens_[index])) return false;
     const std::size_t last = LastOfOperand(index);
     const std::string& qualifier = tokens_[index].content;
     const bool qualified =
@@ -310,18 +345,19 @@ class PostgresqlTranslator final : public Translator {
                                      [&](const Source& s) { return s.alias == qualifier; });
     result_->asksForColumns = true;
     bool found = false;
-    bool isText = true;
+    bool isOfKind = true;
     for (const Source& source : sources_) {
       if (qualified && source.alias != qualifier) continue;
       const auto table = tables_.find(source.table);
       if (table == tables_.end()) continue;
-      const auto column = table->second.find(tokens_[last].content);
-      if (column == table->second.end()) continue;
-      found = true;
-      isText = isText && column->second;
+      for (const TableColumn& column : table->second) {
+        if (column.name != tokens_[last].content) continue;
+        found = true;
+        isOfKind = isOfKind && column.kind == kind;
+      }
     }
     if (!found) result_->missesColumn = true;
-    return found && isText;
+    return found && isOfKind;
   }
 
   const Tables& tables_;

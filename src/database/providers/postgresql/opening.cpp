@@ -1,8 +1,11 @@
 #include "src/database/providers/postgresql/opening.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -45,10 +48,16 @@ void AddUri(const std::string& uri, Parameters& parameters) {
   }
 }
 
+// One for all hosts, or one for each; none stands for the usual one.
 void RequirePorts(std::string_view ports) {
-  constexpr std::string_view kAllowed = "0123456789,";
-  if (ports.find_first_not_of(kAllowed) != std::string_view::npos) {
-    Refuse("the value of Port is not one it can take.");
+  while (!ports.empty()) {
+    const std::string_view port = ports.substr(0, ports.find(','));
+    std::uint16_t number = 0;
+    const auto read = std::from_chars(port.data(), port.data() + port.size(), number);
+    if (!port.empty() && (read.ec != std::errc() || read.ptr != port.data() + port.size())) {
+      Refuse("the value of Port is not one it can take.");
+    }
+    ports.remove_prefix(std::min(port.size() + 1, ports.size()));
   }
 }
 

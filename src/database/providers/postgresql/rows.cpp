@@ -11,8 +11,11 @@ namespace lotrix::postgresql {
 namespace {
 
 DataType DeclaredAs(Oid type) {
-  if (IsTextType(type)) return DataType::kVarWChar;
   switch (type) {
+    case kText:
+    case kVarchar:
+    case kBpchar:
+      return DataType::kVarWChar;
     case kDate:
       return DataType::kDBDate;
     case kBool:
@@ -54,8 +57,6 @@ ValueView ReadNumeric(std::string_view text, bool ofTable) {
 }
 
 }  // namespace
-
-bool IsTextType(Oid type) { return type == kText || type == kVarchar || type == kBpchar; }
 
 std::vector<Column> ReadColumns(const PGresult* result) {
   std::vector<Column> columns;

@@ -27,8 +27,6 @@ inline constexpr Oid kVarchar = 1043;
 inline constexpr Oid kDate = 1082;
 inline constexpr Oid kNumeric = 1700;
 
-[[nodiscard]] bool IsTextType(Oid type);
-
 struct Column {
   std::string name;  // lower case
   Oid type;

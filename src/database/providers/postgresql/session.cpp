@@ -43,7 +43,7 @@ struct PreparedStatement {
 
   Translation translation;  // written without knowing any table until it has a name
   std::string name;         // on the server
-  std::vector<Column> columns;
+  std::shared_ptr<const std::vector<Column>> columns;  // once it has run
   std::shared_ptr<Names> leftOnServer;
 };
 
@@ -91,9 +91,9 @@ struct Line {
 class PostgresqlCursor final : public Cursor, private Reader {
  public:
   // `first` is the first row; nothing when there is none.
-  PostgresqlCursor(std::shared_ptr<Line> line, std::shared_ptr<PreparedStatement> statement,
+  PostgresqlCursor(std::shared_ptr<Line> line, std::shared_ptr<const std::vector<Column>> columns,
                    Result first)
-      : line_(std::move(line)), statement_(std::move(statement)), row_(std::move(first)) {
+      : line_(std::move(line)), columns_(std::move(columns)), row_(std::move(first)) {
     if (row_ != nullptr) line_->reader = this;
   }
   ~PostgresqlCursor() override {
@@ -102,9 +102,7 @@ class PostgresqlCursor final : public Cursor, private Reader {
   PostgresqlCursor(const PostgresqlCursor&) = delete;
   PostgresqlCursor& operator=(const PostgresqlCursor&) = delete;
 
-  [[nodiscard]] int ColumnCount() const override {
-    return static_cast<int>(statement_->columns.size());
-  }
+  [[nodiscard]] int ColumnCount() const override { return static_cast<int>(columns_->size()); }
   [[nodiscard]] const std::string& ColumnName(int column) const override {
     return ColumnAt(column).name;
   }
@@ -133,7 +131,7 @@ class PostgresqlCursor final : public Cursor, private Reader {
     if (row_ != nullptr) {
       row_.reset();
     } else {
-      stored_ += statement_->columns.size();
+      stored_ += columns_->size();
     }
     if (stored_ == rest_.cells() && failure_ != nullptr) std::rethrow_exception(failure_);
   }
@@ -149,11 +147,11 @@ class PostgresqlCursor final : public Cursor, private Reader {
   }
 
   [[nodiscard]] const Column& ColumnAt(int column) const {
-    return statement_->columns[static_cast<std::size_t>(column)];
+    return (*columns_)[static_cast<std::size_t>(column)];
   }
 
   std::shared_ptr<Line> line_;
-  std::shared_ptr<PreparedStatement> statement_;
+  std::shared_ptr<const std::vector<Column>> columns_;
   Result row_;
   StoredRows rest_;
   std::size_t stored_ = 0;  // the first cell of the current row, when it is one of rest_
@@ -220,7 +218,7 @@ class PostgresqlSession final : public Session {
       answer = Send(*prepared);
     }
     DropLargeTexts();
-    return Receive(prepared, std::move(answer));
+    return Receive(*prepared, std::move(answer));
   }
 
   [[nodiscard]] bool IsOpen() const override { return line_->exchange.IsOpen(); }
@@ -295,10 +293,12 @@ class PostgresqlSession final : public Session {
     exchange.AddPreparation({}, "SELECT * FROM \"" + table + '"', {});
     exchange.AddDescription({});
     Result answer = exchange.Send();
-    Columns columns;
+    std::vector<TableColumn> columns;
     if (!IsFailure(answer)) {
       for (const Column& column : ReadColumns(answer.get())) {
-        columns.emplace(column.name, IsTextType(column.type));
+        columns.push_back({column.name, column.declared == DataType::kVarWChar  ? Kind::kText
+                                        : column.declared == DataType::kInteger ? Kind::kWhole
+                                                                                : Kind::kOther});
       }
     }
     const Result failure = exchange.Finish(std::move(answer));
@@ -318,24 +318,25 @@ class PostgresqlSession final : public Session {
     Result answer = exchange.Send();
     if (isNew && exchange.Succeeded() + 1 >= exchange.Added()) {
       prepared.name = name;
-      prepared.columns.clear();
+      prepared.columns = nullptr;
     }
     return answer;
   }
 
-  std::unique_ptr<Cursor> Receive(const std::shared_ptr<PreparedStatement>& prepared,
-                                  Result answer) {
+  std::unique_ptr<Cursor> Receive(PreparedStatement& prepared, Result answer) {
     const ExecStatusType status = PQresultStatus(answer.get());
     const bool hasRows = status == PGRES_SINGLE_TUPLE || status == PGRES_TUPLES_OK;
-    if (hasRows && prepared->columns.empty()) prepared->columns = ReadColumns(answer.get());
+    if (hasRows && prepared.columns == nullptr) {
+      prepared.columns = std::make_shared<const std::vector<Column>>(ReadColumns(answer.get()));
+    }
     if (status == PGRES_SINGLE_TUPLE) {
       line_->reading = true;
-      return std::make_unique<PostgresqlCursor>(line_, prepared, std::move(answer));
+      return std::make_unique<PostgresqlCursor>(line_, prepared.columns, std::move(answer));
     }
     const Result failure = line_->exchange.Finish(std::move(answer));
     if (failure != nullptr) RaisePostgresqlError(failure.get());
     if (!hasRows) return nullptr;
-    return std::make_unique<PostgresqlCursor>(line_, prepared, nullptr);
+    return std::make_unique<PostgresqlCursor>(line_, prepared.columns, nullptr);
   }
 
   // A megabyte that was looked for once must not stay.
