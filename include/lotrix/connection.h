@@ -46,7 +46,8 @@ class Connection {
   [[nodiscard]] ObjectState State() const noexcept;
 
   // The recordset is closed when the statement returns no rows. Throws 3704 when
-  // closed, and the engine's errors; nothing is changed then.
+  // closed, and the engine's errors; nothing is changed then, unless the error is
+  // 8004D016: the server was lost before it had answered a write.
   std::unique_ptr<Recordset> Execute(const Text& commandText);
   std::unique_ptr<Recordset> Execute(const Statement& statement);
 

@@ -157,9 +157,9 @@ Result Exchange::RunAlone(const char* command) {
   succeeded_ = 0;
   Add(command);
   Result answer = Send();
-  Result tag = IsFailure(answer) ? nullptr : std::move(answer);
-  Result failure = ReadToEnd(std::move(answer));
-  return failure == nullptr ? std::move(tag) : std::move(failure);
+  if (IsFailure(answer)) return ReadToEnd(std::move(answer));
+  Result failure = ReadToEnd(nullptr);
+  return failure == nullptr ? std::move(answer) : std::move(failure);
 }
 
 void Exchange::RequireOpen() {
