@@ -18,7 +18,9 @@ enum class ConnectMode : std::int32_t { kUnknown = 0, kRead = 1, kWrite = 2, kRe
 
 // ADO-shaped. Used by one thread at a time; two connections share nothing but
 // the database. Which engine runs is told by the connection string alone:
-// "Provider=SQLite;Data Source=FILE".
+// "Provider=SQLite;Data Source=FILE" or "Provider=PostgreSQL;Host=H;Database=D". A
+// connection that its server has left is closed (State) from the call on that
+// noticed, and can be opened again.
 class Connection {
  public:
   Connection();
@@ -44,7 +46,8 @@ class Connection {
   [[nodiscard]] ObjectState State() const noexcept;
 
   // The recordset is closed when the statement returns no rows. Throws 3704 when
-  // closed, and the engine's errors; nothing is changed then.
+  // closed, and the engine's errors; nothing is changed then, unless the error is
+  // 8004D016: the server was lost before it had answered a write.
   std::unique_ptr<Recordset> Execute(const Text& commandText);
   std::unique_ptr<Recordset> Execute(const Statement& statement);
 

@@ -24,8 +24,9 @@ class Error : public std::exception {
   [[nodiscard]] const std::string& source() const noexcept;
   // UTF-8.
   [[nodiscard]] const std::string& description() const noexcept;
-  // The database engine's own code (an extended SQLite result code), 0 when no
-  // engine was involved.
+  // The database engine's own code: an extended SQLite result code, or the SQLSTATE
+  // of PostgreSQL read as a number to base 36 ("23505" is 3505685). 0 when no engine
+  // was involved.
   [[nodiscard]] int engineCode() const noexcept;
 
   [[nodiscard]] const char* what() const noexcept override;

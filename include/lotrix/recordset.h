@@ -80,11 +80,12 @@ class Fields {
 
 // Used by the thread that uses its connection. Rows are streamed from the engine,
 // so a recordset that is neither read to its end nor closed keeps its view of the
-// database, and once others have written, writes on its connection are busy
-// (80040E31) until it is closed;
-// asking for the record count fetches the rest of them into memory, and no query
-// is run twice. Closing the connection closes its recordsets. Every member but
-// Open, Close and State throws 3704 while the recordset is closed.
+// database. On SQLite, once others have written, writes on its connection are busy
+// (80040E31) until it is closed; on PostgreSQL, another statement on its connection
+// has the rest of its rows taken into memory first. Asking for the record count
+// fetches the rest of them into memory, and no query is run twice. Closing the
+// connection closes its recordsets. Every member but Open, Close and State throws
+// 3704 while the recordset is closed.
 class Recordset {
  public:
   Recordset();

@@ -59,6 +59,14 @@ class Statement {
   static Statement Whole(std::string_view text);
   [[nodiscard]] bool isWhole() const { return whole_; }
 
+  // The rows of this query are written next in its transaction, so that others
+  // must not write them before. Changes nothing about its text.
+  Statement& LockRows() {
+    locksRows_ = true;
+    return *this;
+  }
+  [[nodiscard]] bool locksRows() const { return locksRows_; }
+
   Statement& operator<<(SqlText piece);
   Statement& operator<<(const Statement& part);
   // A value, as text; the pieces around it tell its place.
@@ -90,6 +98,7 @@ class Statement {
   bool inQuotation_ = false;
   bool inBrace_ = false;
   bool whole_ = false;
+  bool locksRows_ = false;
 };
 
 // Throws 80040E14 when a spliced value would leave its place: an apostrophe

@@ -179,6 +179,14 @@ std::string UpperCase(std::string_view utf8) {
   return result;
 }
 
+std::string LowerAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
 bool EqualWithoutCase(std::string_view a, std::string_view b) {
   std::size_t i = 0;
   for (; i < a.size() && i < b.size() && IsAscii(a[i]) && IsAscii(b[i]); ++i) {

@@ -22,6 +22,9 @@ namespace lotrix {
 // changes.
 [[nodiscard]] std::string UpperCase(std::string_view utf8);
 
+// With A to Z as small letters, all else as it is.
+[[nodiscard]] std::string LowerAscii(std::string_view text);
+
 // Whether two texts are the same when their case does not count.
 [[nodiscard]] bool EqualWithoutCase(std::string_view a, std::string_view b);
 

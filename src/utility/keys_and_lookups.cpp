@@ -96,8 +96,9 @@ std::int32_t GetNextID(Service& service, const std::string& tableName) {
 
   Recordset keys;
   OpenQuery(keys,
-            Statement() << "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = '"
-                        << upperName << "' ",
+            (Statement() << "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = '"
+                         << upperName << "' ")
+                .LockRows(),
             connection);
   const std::int32_t records = keys.RecordCount();
   if (records == 0) RaiseError(kNextIdCode, tableName + std::string(kNotInNextId));

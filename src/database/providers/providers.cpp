@@ -6,6 +6,8 @@
 #include "src/errors/raise_error.h"
 #ifdef _WIN32
 #include "src/database/providers/ado/session.h"
+#else
+#include "src/database/providers/postgresql/session.h"
 #endif
 
 namespace lotrix {
@@ -18,7 +20,12 @@ struct Provider {
   std::string (*engine)();  // name and version
 };
 
-constexpr std::array<Provider, 1> kProviders = {{{"sqlite", sqlite::Open, sqlite::Engine}}};
+constexpr auto kProviders = std::to_array<Provider>({
+    {"sqlite", sqlite::Open, sqlite::Engine},
+#ifndef _WIN32
+    {"postgresql", postgresql::Open, postgresql::Engine},
+#endif
+});
 
 }  // namespace
 

@@ -6,15 +6,19 @@
 #include <chrono>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
+#include <variant>
+#include <vector>
 
+#include "src/database/providers/sqlite/dialect.h"
 #include "src/database/providers/sqlite/errors.h"
-#include "src/database/providers/sqlite/statement_cache.h"
+#include "src/database/providers/statement_cache.h"
+#include "src/database/providers/values.h"
 #include "src/errors/raise_error.h"
-#include "src/platform/dates.h"
 #include "src/platform/text.h"
 
 namespace lotrix {
@@ -38,12 +42,30 @@ void ExecuteNative(sqlite3* database, const std::string& sql) {
   Check(database, sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr));
 }
 
-std::string LowerCase(std::string_view ascii) {
-  std::string lower(ascii);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
+struct FinalizeStatement {
+  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+struct PreparedStatement {
+  struct Column {
+    std::string name;  // lower case
+    DataType type;     // kEmpty when only each value tells it
+  };
+
+  Translation translation;
+  std::unique_ptr<sqlite3_stmt, FinalizeStatement> handle;  // null until first used
+  std::vector<Column> columns;
+  // SQLite reads the texts where they are until the statement is reset; kept
+  // afterwards for their room.
+  std::vector<ParameterValue> bound;
+  int preparations = 0;  // how often SQLite had made it anew when columns was read
+  bool inUse = false;
+};
+
+std::shared_ptr<PreparedStatement> MakeStatement(std::string_view templateText) {
+  auto statement = std::make_shared<PreparedStatement>();
+  statement->translation = Translate(templateText);
+  return statement;
 }
 
 DataType TypeDeclaredAs(const char* declaration) {
@@ -60,21 +82,19 @@ void ReadColumns(PreparedStatement& statement) {
   sqlite3_stmt* const handle = statement.handle.get();
   statement.columns.clear();
   for (int column = 0; column < sqlite3_column_count(handle); ++column) {
-    statement.columns.push_back({LowerCase(sqlite3_column_name(handle, column)),
+    statement.columns.push_back({LowerAscii(sqlite3_column_name(handle, column)),
                                  TypeDeclaredAs(sqlite3_column_decltype(handle, column))});
   }
   statement.preparations = sqlite3_stmt_status(handle, SQLITE_STMTSTATUS_REPREPARE, 0);
-}
-
-[[noreturn]] void RefuseStored(std::string_view what) {
-  RaiseEngineError(EngineError::kValueCannotBeConverted, what);
 }
 
 // A statement in hand: reset, and given back to the cache, when it goes.
 class StatementInUse {
  public:
   StatementInUse(sqlite3* database, std::shared_ptr<PreparedStatement> statement)
-      : database_(database), statement_(std::move(statement)) {}
+      : database_(database), statement_(std::move(statement)) {
+    statement_->inUse = true;
+  }
   StatementInUse(StatementInUse&& other) noexcept = default;
   StatementInUse& operator=(StatementInUse&&) = delete;
   ~StatementInUse() {
@@ -106,7 +126,7 @@ class StatementInUse {
   // A megabyte that was looked for once must not stay with the statement.
   void DropLargeTexts() {
     constexpr std::size_t kLarge = 4096;
-    for (BoundValue& bound : statement_->bound) {
+    for (ParameterValue& bound : statement_->bound) {
       if (bound.text.capacity() <= kLarge) continue;
       // A statement that failed before it was prepared has no bindings yet.
       if (handle() != nullptr) sqlite3_clear_bindings(handle());
@@ -147,15 +167,14 @@ class SqliteCursor final : public Cursor {
       const std::string_view text = ColumnText(column);
       if (text.data() == nullptr) return Null{};
       if (declared == DataType::kVarWChar) return text;
-      const auto date = IsoTextToDate(text);
-      if (!date) RefuseStored("A date column holds something that is no date.");
-      return *date;
+      return ReadStoredDate(text);
     }
     const int stored = sqlite3_column_type(handle, column);
     if (stored == SQLITE_NULL) return Null{};
     if (declared == DataType::kBoolean) {
       if (stored != SQLITE_INTEGER) {
-        RefuseStored("A logical column holds something that is no logical.");
+        RaiseEngineError(EngineError::kValueCannotBeConverted,
+                         "A logical column holds something that is no logical.");
       }
       return sqlite3_column_int64(handle, column) != 0;
     }
@@ -183,59 +202,7 @@ class SqliteCursor final : public Cursor {
   bool atEnd_;
 };
 
-void TakeNumber(std::string_view text, BoundValue& bound) {
-  text = TrimBlanks(text);
-  if (text.starts_with('+')) text.remove_prefix(1);
-  const char* const end = text.data() + text.size();
-  std::int64_t whole = 0;
-  if (const auto read = std::from_chars(text.data(), end, whole);
-      read.ec == std::errc() && read.ptr == end) {
-    bound.other = whole;
-    return;
-  }
-  double number = 0;
-  if (std::from_chars(text.data(), end, number).ec != std::errc()) {
-    RaiseEngineError(EngineError::kValueOutOfRange, "A number is out of range.");
-  }
-  bound.other = number;
-}
-
-void TakeDate(std::string_view text, BoundValue& bound) {
-  const auto value = DateLiteralValue(text);
-  if (std::holds_alternative<Empty>(value)) {
-    RaiseEngineError(EngineError::kValueCannotBeConverted, "A date literal holds no date.");
-  }
-  if (const Date* const date = std::get_if<Date>(&value)) {
-    bound.text = IsoDateText(*date);
-  } else {
-    bound.other = Null{};
-  }
-}
-
-// Puts the spliced values into the parameters' contents, and these into `bound`.
-void TakeValues(const Translation& translation, const Statement& source,
-                std::vector<BoundValue>& bound) {
-  bound.resize(translation.parameters.size());
-  auto splice = source.splices().begin();
-  auto target = bound.begin();
-  for (const Parameter& parameter : translation.parameters) {
-    target->other = std::monostate();
-    std::string& content = target->text;
-    content.clear();
-    for (const char c : parameter.content) {
-      if (c == Statement::kMark) {
-        content += (splice++)->value;
-      } else {
-        content += c;
-      }
-    }
-    if (parameter.place == Place::kDate) TakeDate(content, *target);
-    if (parameter.place == Place::kNumber) TakeNumber(content, *target);
-    ++target;
-  }
-}
-
-int Bind(sqlite3_stmt* handle, int index, const BoundValue& bound) {
+int Bind(sqlite3_stmt* handle, int index, const ParameterValue& bound) {
   if (std::holds_alternative<std::monostate>(bound.other)) {
     return sqlite3_bind_text64(handle, index, bound.text.data(), bound.text.size(), SQLITE_STATIC,
                                SQLITE_UTF8);
@@ -254,13 +221,13 @@ class SqliteSession final : public Session {
   explicit SqliteSession(Database database) : database_(std::move(database)) {}
 
   std::unique_ptr<Cursor> Run(const Statement& statement) override {
-    StatementInUse inUse(database_.get(), cache_.Take(statement.templateText()));
+    StatementInUse inUse(database_.get(), Take(statement.templateText()));
     PreparedStatement& prepared = inUse.prepared();
     // Before SQLite sees anything: a date that is none must not have had effects.
-    TakeValues(prepared.translation, statement, prepared.bound);
+    TakeValues(prepared.translation.parameters, statement, prepared.bound);
     if (prepared.handle == nullptr) Prepare(prepared);
     int index = 0;
-    for (const BoundValue& value : prepared.bound) {
+    for (const ParameterValue& value : prepared.bound) {
       Check(database_.get(), Bind(inUse.handle(), ++index, value));
     }
     if (prepared.columns.empty()) {
@@ -290,6 +257,14 @@ class SqliteSession final : public Session {
   }
 
  private:
+  // A handle has one set of rows at a time, so a statement whose kept one is in
+  // use comes fresh.
+  std::shared_ptr<PreparedStatement> Take(std::string_view templateText) {
+    const auto make = [&] { return MakeStatement(templateText); };
+    std::shared_ptr<PreparedStatement> kept = cache_.Take(templateText, make);
+    return kept->inUse ? make() : kept;
+  }
+
   void Prepare(PreparedStatement& prepared) {
     sqlite3_stmt* handle = nullptr;
     const std::string& sql = prepared.translation.sql;
@@ -301,7 +276,7 @@ class SqliteSession final : public Session {
   }
 
   Database database_;  // closed after the statements of the cache
-  StatementCache cache_;
+  StatementCache<PreparedStatement> cache_;
 };
 
 [[noreturn]] void RefuseSetting(const std::string& keyword) {
@@ -334,7 +309,7 @@ SqliteSettings ReadSettings(const ConnectionSettings& settings) {
     if (keyword == "data source") {
       read.file = value;
     } else if (keyword == "synchronous") {
-      read.synchronous = LowerCase(value);
+      read.synchronous = LowerAscii(value);
       if (read.synchronous != "off" && read.synchronous != "normal" && read.synchronous != "full" &&
           read.synchronous != "extra") {
         RefuseSetting("Synchronous");

@@ -1,0 +1,195 @@
+#include "src/database/providers/postgresql/exchange.h"
+
+#include <poll.h>
+
+#include "src/database/providers/postgresql/errors.h"
+#include "src/errors/raise_error.h"
+
+namespace lotrix::postgresql {
+
+namespace {
+
+// The server says with these that it will not answer any more.
+bool EndsSession(const PGresult* result) {
+  const char* const severity = PQresultErrorField(result, PG_DIAG_SEVERITY_NONLOCALIZED);
+  if (severity == nullptr) return false;
+  return std::string_view(severity) == "FATAL" || std::string_view(severity) == "PANIC";
+}
+
+}  // namespace
+
+bool IsFailure(const Result& answer) {
+  switch (PQresultStatus(answer.get())) {
+    case PGRES_COMMAND_OK:
+    case PGRES_TUPLES_OK:
+    case PGRES_SINGLE_TUPLE:
+    case PGRES_PIPELINE_SYNC:
+      return false;
+    default:
+      return answer != nullptr;
+  }
+}
+
+void Exchange::Begin(bool changes) {
+  RequireOpen();
+  inDoubt_ = changes;
+  added_ = 0;
+  succeeded_ = 0;
+  PQenterPipelineMode(link_.get());
+  if (transaction_ == Transaction::kWanted) Add("BEGIN");
+  if (transaction_ == Transaction::kOpen) {
+    if (hasSavepoint_) Add("RELEASE SAVEPOINT lotrix");
+    Add("SAVEPOINT lotrix");
+  }
+}
+
+void Exchange::Add(const std::string& command) {
+  RequireSent(
+      PQsendQueryParams(link_.get(), command.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0));
+}
+
+void Exchange::AddPreparation(const std::string& name, const std::string& sql,
+                              const std::vector<Oid>& types) {
+  RequireSent(PQsendPrepare(link_.get(), name.c_str(), sql.c_str(), static_cast<int>(types.size()),
+                            types.data()));
+}
+
+void Exchange::AddExecution(const std::string& name, const Arguments& arguments) {
+  RequireSent(PQsendQueryPrepared(link_.get(), name.c_str(),
+                                  static_cast<int>(arguments.texts.size()), arguments.texts.data(),
+                                  nullptr, nullptr, 0));
+}
+
+void Exchange::AddDescription(const std::string& name) {
+  RequireSent(PQsendDescribePrepared(link_.get(), name.c_str()));
+}
+
+Result Exchange::Send() {
+  if (PQpipelineSync(link_.get()) != 1) Lose(nullptr);
+  for (; succeeded_ + 1 < added_; ++succeeded_) {
+    Result answer = Read();
+    if (IsFailure(answer)) return answer;
+    static_cast<void>(Read());  // nothing stands between two answers
+  }
+  PQsetSingleRowMode(link_.get());
+  Result answer = Read();
+  if (!IsFailure(answer)) ++succeeded_;
+  return answer;
+}
+
+Result Exchange::Finish(Result last) {
+  Result failure = ReadToEnd(std::move(last));
+  SettleTransaction();
+  return failure;
+}
+
+Result Exchange::ReadToEnd(Result last) {
+  Result failure = IsFailure(last) ? std::move(last) : nullptr;
+  bool afterNothing = false;
+  for (;;) {
+    Result answer = Read();
+    if (PQresultStatus(answer.get()) == PGRES_PIPELINE_SYNC) break;
+    if (answer == nullptr && afterNothing) Lose(nullptr);
+    afterNothing = answer == nullptr;
+    if (failure == nullptr && IsFailure(answer)) failure = std::move(answer);
+  }
+  PQexitPipelineMode(link_.get());
+  inDoubt_ = false;
+  return failure;
+}
+
+void Exchange::SettleTransaction() {
+  if (transaction_ == Transaction::kNone) return;
+  const bool first = transaction_ == Transaction::kWanted;
+  switch (PQtransactionStatus(link_.get())) {
+    case PQTRANS_INTRANS:
+      transaction_ = Transaction::kOpen;
+      hasSavepoint_ = !first;
+      break;
+    case PQTRANS_INERROR:
+      // A transaction whose first statement failed begins anew with the next.
+      RunAlone(first ? "ROLLBACK" : "ROLLBACK TO SAVEPOINT lotrix");
+      hasSavepoint_ = true;
+      break;
+    default:
+      break;
+  }
+}
+
+void Exchange::Commit() {
+  const bool nothingRan = transaction_ == Transaction::kWanted;
+  if (!nothingRan) {
+    RequireOpen();
+    inDoubt_ = true;
+  }
+  transaction_ = Transaction::kNone;
+  if (nothingRan) return;
+  const Result answer = RunAlone("COMMIT");
+  if (IsFailure(answer)) RaisePostgresqlError(answer.get());
+  if (std::string_view(PQcmdStatus(answer.get())) != "COMMIT") {
+    RaiseEngineError(EngineError::kFailed, "The transaction was rolled back.");
+  }
+}
+
+void Exchange::Rollback() {
+  const bool nothingRan = transaction_ == Transaction::kWanted;
+  transaction_ = Transaction::kNone;
+  if (nothingRan) return;
+  RequireOpen();
+  inDoubt_ = false;
+  const Result answer = RunAlone("ROLLBACK");
+  if (IsFailure(answer)) RaisePostgresqlError(answer.get());
+}
+
+Result Exchange::RunText(const std::string& sql) {
+  RequireOpen();
+  inDoubt_ = true;
+  Result answer(PQexec(link_.get(), sql.c_str()));
+  if (answer == nullptr || EndsSession(answer.get()) || PQstatus(link_.get()) == CONNECTION_BAD) {
+    Lose(answer.get());
+  }
+  return IsFailure(answer) ? std::move(answer) : nullptr;
+}
+
+Result Exchange::RunAlone(const char* command) {
+  PQenterPipelineMode(link_.get());
+  added_ = 0;
+  succeeded_ = 0;
+  Add(command);
+  Result answer = Send();
+  if (IsFailure(answer)) return ReadToEnd(std::move(answer));
+  Result failure = ReadToEnd(nullptr);
+  return failure == nullptr ? std::move(answer) : std::move(failure);
+}
+
+void Exchange::RequireOpen() {
+  if (link_ == nullptr) RaiseLost(false, {}, {});
+  inDoubt_ = false;
+  pollfd socket = {.fd = PQsocket(link_.get()), .events = POLLIN, .revents = 0};
+  while (poll(&socket, 1, 0) > 0) {
+    if (PQconsumeInput(link_.get()) != 1) Lose(nullptr);
+    // Takes what the server says unasked, a last word among it.
+    static_cast<void>(PQisBusy(link_.get()));
+  }
+}
+
+void Exchange::RequireSent(int sent) {
+  if (sent != 1) Lose(nullptr);
+  ++added_;
+}
+
+Result Exchange::Read() {
+  if (link_ == nullptr) RaiseLost(false, {}, {});
+  Result answer(PQgetResult(link_.get()));
+  if (PQstatus(link_.get()) == CONNECTION_BAD || EndsSession(answer.get())) Lose(answer.get());
+  return answer;
+}
+
+void Exchange::Lose(const PGresult* last) {
+  const Link lost = std::move(link_);
+  transaction_ = Transaction::kNone;
+  const char* const said = PQresultErrorField(last, PG_DIAG_MESSAGE_PRIMARY);
+  RaiseLost(inDoubt_, said != nullptr ? said : PQerrorMessage(lost.get()), SqlState(last));
+}
+
+}  // namespace lotrix::postgresql

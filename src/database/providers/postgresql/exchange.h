@@ -1,0 +1,88 @@
+// What goes to a PostgreSQL server in one piece and is answered in one piece.
+#ifndef LOTRIX_SRC_DATABASE_PROVIDERS_POSTGRESQL_EXCHANGE_H
+#define LOTRIX_SRC_DATABASE_PROVIDERS_POSTGRESQL_EXCHANGE_H
+
+#include <libpq-fe.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "src/database/providers/postgresql/opening.h"
+
+namespace lotrix::postgresql {
+
+// Whether that answer is none that was hoped for.
+[[nodiscard]] bool IsFailure(const Result& answer);
+
+// What is given to a prepared statement's parameters, as texts; null for Null.
+struct Arguments {
+  std::vector<const char*> texts;
+  std::vector<Oid> types;  // 0 where the server finds out
+};
+
+// The connection and its transaction. A statement that fails inside a transaction
+// changes nothing, and the transaction goes on: each has a savepoint before it.
+//
+// An exchange is begun, filled, sent, read and finished; there is one at a time.
+// Everything here throws 8004D01C, or 8004D016 when what was sent may have had its
+// effect, once the server is gone; the connection is closed then.
+class Exchange {
+ public:
+  explicit Exchange(Link link) : link_(std::move(link)) {}
+
+  [[nodiscard]] bool IsOpen() const { return link_ != nullptr; }
+  [[nodiscard]] bool InTransaction() const { return transaction_ != Transaction::kNone; }
+
+  // `changes` tells whether a loss leaves in doubt what has been done. Finds out
+  // first, without asking the server, whether it has gone meanwhile.
+  void Begin(bool changes);
+  void Add(const std::string& command);
+  void AddPreparation(const std::string& name, const std::string& sql,
+                      const std::vector<Oid>& types);
+  void AddExecution(const std::string& name, const Arguments& arguments);
+  void AddDescription(const std::string& name);
+  // Sends all, and gives the answer to the last part: its first row alone when it
+  // gives rows. Or else the first failure; how many parts succeeded tells
+  // Succeeded.
+  Result Send();
+  [[nodiscard]] int Succeeded() const { return succeeded_; }
+  [[nodiscard]] int Added() const { return added_; }
+  // The next row; nothing, or a failure, behind the last.
+  Result NextRow() { return Read(); }
+  // To be called when the last answer is there. Gives that answer back if it is a
+  // failure, or else what failed at the very end, or nothing.
+  Result Finish(Result last);
+
+  // The transaction begins with its first statement.
+  void BeginTransaction() { transaction_ = Transaction::kWanted; }
+  // Throws the engine's error, or 80004005 when the server rolled it back instead.
+  void Commit();
+  void Rollback();
+
+  // Several statements in one text, all or none of them. Gives the failure, if any.
+  Result RunText(const std::string& sql);
+
+ private:
+  enum class Transaction { kNone, kWanted, kOpen };
+
+  void RequireOpen();
+  void RequireSent(int sent);
+  Result Read();
+  Result ReadToEnd(Result last);
+  Result RunAlone(const char* command);
+  void SettleTransaction();
+  [[noreturn]] void Lose(const PGresult* last);
+
+  Link link_;
+  Transaction transaction_ = Transaction::kNone;
+  bool hasSavepoint_ = false;
+  bool inDoubt_ = false;
+  int added_ = 0;
+  int succeeded_ = 0;
+};
+
+}  // namespace lotrix::postgresql
+
+#endif
