@@ -122,6 +122,10 @@ std::shared_ptr<void> ConnectionAccess::ForeignObject(const Connection& connecti
   return connection.State() == ObjectState::kOpen ? connection.object_ : nullptr;
 }
 
+bool ConnectionAccess::HasKeyTransactions(const Connection& connection) {
+  return connection.OpenSession().HasKeyTransactions();
+}
+
 Session& Connection::OpenSession() const {
   RequireOpen();
   return *session_;

@@ -178,6 +178,7 @@ class AdoSession final : public Session {
     }
   }
 
+  [[nodiscard]] bool HasKeyTransactions() const override { return false; }
   void Begin() override {
     Call(object(), L"BeginTrans");
     inTransaction_ = true;
