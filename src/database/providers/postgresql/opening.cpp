@@ -170,10 +170,7 @@ Link Open(const Parameters& parameters) {
 
 Link Connect(const ConnectionSettings& settings, ConnectMode mode) {
   Link link = Open(ReadParameters(settings));
-  // Queries here are over before their compilation would pay; not every server knows
-  // the setting.
   std::string wanted =
-      "SELECT set_config(name, 'off', false) FROM pg_settings WHERE name = 'jit'; "
       "SET standard_conforming_strings = on; SET DateStyle = 'ISO, MDY'; SET TimeZone = 'UTC'; "
       "SET extra_float_digits = 3; SET bytea_output = 'hex'; "
       "SET default_transaction_isolation = 'read committed'";
@@ -183,6 +180,9 @@ Link Connect(const ConnectionSettings& settings, ConnectMode mode) {
     if (PQstatus(link.get()) == CONNECTION_BAD) RaiseLost(false, {}, SqlState(result.get()));
     RaisePostgresqlError(result.get());
   }
+  // Queries here are over before their compilation would pay. A server that does not
+  // know the setting does not compile them.
+  const Result ignored(PQexec(link.get(), "SET jit = off"));
   return link;
 }
 
