@@ -54,7 +54,7 @@ void Connection::Open(const Text& connectionString, const Text& userId, const Te
 }
 
 void Connection::Close() {
-  RequireOpen();
+  OpenSession().Close();
   DropSession();
 }
 

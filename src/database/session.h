@@ -60,6 +60,8 @@ class Session {
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
   virtual void CreateSchema() = 0;
+  // What has to be closed by its name and does not go with the session.
+  virtual void Close() {}
 };
 
 // What a connection is opened with.
