@@ -124,6 +124,8 @@ class Recordset {
   void RunOn(Connection& connection, const Statement& statement);
   void FetchAhead();
   void Drop() noexcept;
+  // The same, and its connection's other ones too when its server has left it.
+  void DropAll() noexcept;
   void RequireOpen() const;
   void RequireRecord() const;
 

@@ -71,21 +71,21 @@ void Connection::BeginTrans() {
   if (OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
-  OpenSession().Begin();
+  UnlessLost([&] { session_->Begin(); });
 }
 
 void Connection::CommitTrans() {
   if (!OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "No transaction is open.");
   }
-  OpenSession().Commit();
+  UnlessLost([&] { session_->Commit(); });
 }
 
 void Connection::RollbackTrans() {
   if (!OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "No transaction is open.");
   }
-  OpenSession().Rollback();
+  UnlessLost([&] { session_->Rollback(); });
 }
 
 bool Connection::InTransaction() const {
@@ -96,7 +96,7 @@ void Connection::CreateSchema() {
   if (OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
-  OpenSession().CreateSchema();
+  UnlessLost([&] { session_->CreateSchema(); });
 }
 
 void ConnectionAccess::WrapSession(
@@ -113,6 +113,10 @@ Session& Connection::OpenSession() const {
 
 void Connection::RequireClosed() const {
   if (State() == ObjectState::kOpen) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+}
+
+void Connection::DropIfLost() noexcept {
+  if (session_ != nullptr && !session_->IsOpen()) Drop();
 }
 
 void Connection::Drop() noexcept {

@@ -99,7 +99,8 @@ void Recordset::RunOn(Connection& connection, const Statement& statement) {
   if (connection_ != nullptr) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
   Session& session = connection.OpenSession();
   RequireShape(statement);
-  std::unique_ptr<Cursor> cursor = session.Run(statement);
+  std::unique_ptr<Cursor> cursor;
+  connection.UnlessLost([&] { cursor = session.Run(statement); });
   if (cursor == nullptr) return;
   connection.recordsets_.push_back(this);
   connection_ = &connection;
@@ -138,7 +139,7 @@ void Recordset::FetchAhead() {
     fetched_ = true;
   } catch (...) {
     // Half of the records are no answer.
-    Drop();
+    DropAll();
     throw;
   }
 }
@@ -160,7 +161,7 @@ void Recordset::MoveNext() {
       cursor_->Next();
     } catch (...) {
       // Stepping on would run the query once more.
-      Drop();
+      DropAll();
       throw;
     }
   }
@@ -180,6 +181,12 @@ void Recordset::Drop() noexcept {
   ahead_ = {};
   nextAhead_ = 0;
   fetched_ = false;
+}
+
+void Recordset::DropAll() noexcept {
+  Connection* const connection = connection_;
+  Drop();
+  connection->DropIfLost();
 }
 
 void Recordset::RequireOpen() const {
