@@ -83,21 +83,21 @@ void Connection::BeginTrans() {
   if (OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
-  OpenSession().Begin();
+  UnlessLost([&] { session_->Begin(); });
 }
 
 void Connection::CommitTrans() {
   if (!OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "No transaction is open.");
   }
-  OpenSession().Commit();
+  UnlessLost([&] { session_->Commit(); });
 }
 
 void Connection::RollbackTrans() {
   if (!OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "No transaction is open.");
   }
-  OpenSession().Rollback();
+  UnlessLost([&] { session_->Rollback(); });
 }
 
 bool Connection::InTransaction() const {
@@ -108,7 +108,7 @@ void Connection::CreateSchema() {
   if (OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
-  OpenSession().CreateSchema();
+  UnlessLost([&] { session_->CreateSchema(); });
 }
 
 void ConnectionAccess::WrapSession(
@@ -137,6 +137,10 @@ void Connection::RequireOpen() const {
 
 void Connection::RequireClosed() const {
   if (State() == ObjectState::kOpen) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+}
+
+void Connection::DropIfLost() noexcept {
+  if (session_ != nullptr && !session_->IsOpen()) DropSession();
 }
 
 }  // namespace lotrix
