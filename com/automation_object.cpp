@@ -1,5 +1,9 @@
 #include "com/automation_object.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 #include "src/errors/raise_error.h"
 #include "src/platform/text.h"
 #include "src/platform/values.h"
@@ -26,7 +30,26 @@ WORD WaysToUse(MemberKind kind) {
 }
 
 bool GivesObject(const MemberDescription& member) {
-  return !member.result.empty() && member.result != "Long" && member.result != "String";
+  constexpr auto kPlain =
+      std::to_array<std::string_view>({"", "Long", "String", "Boolean", "Variant", "Unknown"});
+  return std::find(kPlain.begin(), kPlain.end(), member.result) == kPlain.end();
+}
+
+// What no compiler makes, but any program can send.
+void RequireSound(const DISPPARAMS& parameters) {
+  const bool sound = parameters.cNamedArgs <= parameters.cArgs &&
+                     (parameters.cArgs == 0 || parameters.rgvarg != nullptr) &&
+                     (parameters.cNamedArgs == 0 || parameters.rgdispidNamedArgs != nullptr);
+  if (!sound) RaiseRuntimeError(RuntimeError::kInvalidArgument);
+}
+
+// The number of parameters for a name that stands for none of them.
+std::size_t PositionOf(const MemberDescription& member, DISPID name) {
+  const bool assigns =
+      member.kind == MemberKind::kPropertyLet || member.kind == MemberKind::kPropertySet;
+  // The value of an assignment stands behind the property's parameters.
+  if (name == DISPID_PROPERTYPUT && assigns) return member.parameters.size() - 1;
+  return name < 0 ? member.parameters.size() : static_cast<std::size_t>(name);
 }
 
 std::size_t RequiredCount(const MemberDescription& member) {
@@ -38,15 +61,13 @@ std::size_t RequiredCount(const MemberDescription& member) {
 }  // namespace
 
 std::vector<const VARIANT*> InOrder(const MemberDescription& member, const DISPPARAMS& parameters) {
+  RequireSound(parameters);
   std::vector<const VARIANT*> given(member.parameters.size(), nullptr);
   if (parameters.cArgs > given.size()) {
     RaiseRuntimeError(RuntimeError::kWrongNumberOfArguments);
   }
   for (UINT i = 0; i < parameters.cNamedArgs; ++i) {
-    const DISPID name = parameters.rgdispidNamedArgs[i];
-    // The value of an assignment stands behind the property's parameters.
-    const std::size_t position =
-        name == DISPID_PROPERTYPUT ? given.size() - 1 : static_cast<std::size_t>(name);
+    const std::size_t position = PositionOf(member, parameters.rgdispidNamedArgs[i]);
     if (position >= given.size()) RaiseRuntimeError(RuntimeError::kUnknownArgumentName);
     if (given[position] != nullptr) RaiseRuntimeError(RuntimeError::kInvalidArgument);
     given[position] = &parameters.rgvarg[i];
@@ -71,6 +92,7 @@ std::vector<const VARIANT*> InOrder(const MemberDescription& member, const DISPP
 HRESULT FindIds(std::span<const MemberDescription> members, std::span<LPOLESTR> names,
                 DISPID* ids) {
   for (std::size_t i = 0; i < names.size(); ++i) ids[i] = DISPID_UNKNOWN;
+  if (std::find(names.begin(), names.end(), nullptr) != names.end()) return E_INVALIDARG;
   const std::string memberName = ToUtf8(names[0]);
   const MemberDescription* found = nullptr;
   for (const MemberDescription& member : members) {
@@ -107,7 +129,7 @@ bool IsForDefaultMember(const MemberDescription& member, const DISPPARAMS& param
 
 HRESULT InvokeDefaultMember(const VARIANT& object, WORD flags, DISPPARAMS& parameters,
                             VARIANT* result, EXCEPINFO* exception) {
-  IDispatch* const held = automation::ObjectIn(object);
+  const automation::Held<IDispatch> held = automation::ObjectIn(object);
   if (held == nullptr) RaiseRuntimeError(RuntimeError::kObjectNotSet);
   return held->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result,
                       exception, nullptr);
@@ -129,7 +151,7 @@ std::string TextIn(const VARIANT& variant) {
   return ToText(ValueIn(variant, ParameterType::kString));
 }
 
-IDispatch* ObjectArgument(const VARIANT& variant) {
+automation::Held<IDispatch> ObjectArgument(const VARIANT& variant) {
   if (!automation::HoldsObject(variant)) RaiseRuntimeError(RuntimeError::kTypeMismatch);
   return automation::ObjectIn(variant);
 }

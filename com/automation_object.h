@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "com/failures.h"
@@ -53,7 +54,7 @@ using Given = std::span<const VARIANT* const>;
 [[nodiscard]] std::int32_t LongIn(const VARIANT& variant);
 [[nodiscard]] std::string TextIn(const VARIANT& variant);
 // The object that is there, perhaps null; throws 13 for anything else.
-[[nodiscard]] IDispatch* ObjectArgument(const VARIANT& variant);
+[[nodiscard]] automation::Held<IDispatch> ObjectArgument(const VARIANT& variant);
 
 template <class Interface>
 class AutomationObject : public Interface, public ISupportErrorInfo {
@@ -91,7 +92,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     if (information == nullptr) return E_POINTER;
     *information = nullptr;
     if (!HasTypeInfo() || index != 0) return DISP_E_BADINDEX;
-    return Answer(Identifier(), [&] { *information = TypeInfoOf(Identifier()).release(); });
+    return Answered([&] { *information = TypeInfoOf(Identifier()).release(); });
   }
   STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                              DISPID* ids) override {
@@ -107,9 +108,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
                       UINT* /*argument*/) override {
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (parameters == nullptr) return E_INVALIDARG;
-    // The object must outlive the call, whatever the call makes its caller let go.
-    const automation::Held<IUnknown> self =
-        automation::Hold(static_cast<IUnknown*>(static_cast<Interface*>(this)));
+    const automation::Held<IUnknown> self = Self();
     try {
       const MemberDescription* const member = FindMember(Table(), id, flags);
       if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
@@ -140,7 +139,18 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
   virtual void Run(const MemberDescription& member, Given given, VARIANT& result) = 0;
   [[nodiscard]] virtual void* OtherInterface(const GUID& /*identifier*/) { return nullptr; }
 
+  // The body of a vtable method. The object outlives it, whatever it makes its
+  // caller let go.
+  template <class Work>
+  [[nodiscard]] HRESULT Answered(Work&& work) noexcept {
+    const automation::Held<IUnknown> self = Self();
+    return Answer(Identifier(), std::forward<Work>(work));
+  }
+
  private:
+  [[nodiscard]] automation::Held<IUnknown> Self() {
+    return automation::Hold(static_cast<IUnknown*>(static_cast<Interface*>(this)));
+  }
   [[nodiscard]] bool HasTypeInfo() const { return Identifier() != IID_IDispatch; }
 
   std::atomic<ULONG> references_ = 1;

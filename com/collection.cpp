@@ -6,7 +6,7 @@
 #include "com/automation_object.h"
 #include "com/enumerator.h"
 #include "src/errors/raise_error.h"
-#include "src/platform/numbers.h"
+#include "src/platform/text.h"
 
 namespace lotrix::com {
 
@@ -103,20 +103,25 @@ class CollectionObject final : public AutomationObject<_Collection> {
   }
 
   STDMETHODIMP get_Item(VARIANT* index, VARIANT* result) override {
-    return Answer(Identifier(),
-                  [&] { VariantOf(ItemAt(*collection_, Out(index))).MoveTo(Out(result)); });
+    return Answered([&] {
+      VARIANT& answer = FreshOut(result);
+      VariantOf(ItemAt(*collection_, PointedTo(index))).MoveTo(answer);
+    });
   }
   STDMETHODIMP Add(VARIANT* item, VARIANT* key) override {
-    return Answer(Identifier(), [&] { AddItem(*collection_, Out(item), key); });
+    return Answered([&] { AddItem(*collection_, PointedTo(item), key); });
   }
   STDMETHODIMP get_Count(LONG* result) override {
-    return Answer(Identifier(), [&] { Out(result) = collection_->Count(); });
+    return Answered([&] { FreshOut(result) = collection_->Count(); });
   }
   STDMETHODIMP Remove(VARIANT* index) override {
-    return Answer(Identifier(), [&] { RemoveAt(*collection_, Out(index)); });
+    return Answered([&] { RemoveAt(*collection_, PointedTo(index)); });
   }
   STDMETHODIMP get__NewEnum(IUnknown** result) override {
-    return Answer(Identifier(), [&] { Out(result) = EnumeratorOf(collection_).release(); });
+    return Answered([&] {
+      IUnknown*& answer = FreshOut(result);
+      answer = EnumeratorOf(collection_).release();
+    });
   }
 
   [[nodiscard]] const std::shared_ptr<Collection>& collection() const { return collection_; }
@@ -227,8 +232,13 @@ OwnedVariant VariantOf(const Value& value) {
 }
 
 Value ValueOf(const VARIANT& variant) {
-  if (!automation::HoldsObject(variant)) return automation::ToValue(variant);
-  return CollectionOf(automation::ObjectIn(variant));
+  if (!automation::HoldsObject(variant)) {
+    Value value = automation::ToValue(variant);
+    const auto* const text = std::get_if<std::string>(&value);
+    if (text != nullptr && !IsValidUtf8(*text)) RaiseRuntimeError(RuntimeError::kInvalidArgument);
+    return value;
+  }
+  return CollectionOf(automation::ObjectIn(variant).get());
 }
 
 }  // namespace lotrix::com

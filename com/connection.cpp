@@ -139,7 +139,6 @@ class FieldsObject final : public AdoShaped {
   std::shared_ptr<OpenRecordset> source_;
 };
 
-class ConnectionObject;
 std::shared_ptr<Connection> ConnectionBehind(IDispatch* object);
 
 class RecordsetObject final : public AdoShaped {
@@ -199,7 +198,7 @@ class RecordsetObject final : public AdoShaped {
   }
   void Open(Given given) {
     const std::string source = TextIn(*given[0]);
-    std::shared_ptr<Connection> connection = ConnectionBehind(ObjectArgument(*given[1]));
+    std::shared_ptr<Connection> connection = ConnectionBehind(ObjectArgument(*given[1]).get());
     const std::int32_t cursor = LongOr(given[2], -1);
     const std::int32_t lock = LongOr(given[3], -1);
     source_->recordset->Open(source, *connection, static_cast<CursorType>(cursor),
@@ -318,14 +317,15 @@ std::shared_ptr<Connection> ConnectionBehind(IDispatch* object) {
 
 }  // namespace
 
-Held<IDispatch> ConnectionObjects::ObjectOf(const std::shared_ptr<Connection>& connection) {
+Held<IDispatch> ConnectionObjectOf(const std::shared_ptr<Connection>& connection,
+                                   Held<IDispatch>& handedOut) {
   if (const std::shared_ptr<void> foreign = ConnectionAccess::ForeignObject(*connection)) {
     return automation::Hold(static_cast<IDispatch*>(foreign.get()));
   }
-  if (own_ == nullptr || ConnectionBehind(own_.get()) != connection) {
-    own_.reset(new ConnectionObject(connection));
+  if (handedOut == nullptr || ConnectionBehind(handedOut.get()) != connection) {
+    handedOut.reset(new ConnectionObject(connection));
   }
-  return automation::Hold(own_.get());
+  return automation::Hold(handedOut.get());
 }
 
 }  // namespace lotrix::com

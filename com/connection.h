@@ -12,15 +12,10 @@
 
 namespace lotrix::com {
 
-// What a service object has handed out.
-class ConnectionObjects {
- public:
-  // The same object for the same connection.
-  [[nodiscard]] automation::Held<IDispatch> ObjectOf(const std::shared_ptr<Connection>& connection);
-
- private:
-  automation::Held<IDispatch> own_;
-};
+// `handedOut` is the object handed out last, or null: it serves again for the same
+// connection.
+[[nodiscard]] automation::Held<IDispatch> ConnectionObjectOf(
+    const std::shared_ptr<Connection>& connection, automation::Held<IDispatch>& handedOut);
 
 }  // namespace lotrix::com
 

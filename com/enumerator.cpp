@@ -61,7 +61,10 @@ class Enumerator final : public IEnumVARIANT {
     return S_OK;
   }
   STDMETHODIMP Clone(IEnumVARIANT** clone) override {
-    return Answer(IID_IEnumVARIANT, [&] { Out(clone) = new Enumerator(itemAt_, next_); });
+    return Answer(IID_IEnumVARIANT, [&] {
+      IEnumVARIANT*& answer = FreshOut(clone);
+      answer = new Enumerator(itemAt_, next_);
+    });
   }
 
  private:

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <utility>
 
 #include "lotrix/constants.h"
 #include "src/errors/raise_error.h"
@@ -9,6 +10,9 @@
 
 namespace lotrix::com {
 
+namespace {
+
+// Only to be called from a handler.
 Error ErrorInHand() {
   try {
     throw;
@@ -21,6 +25,8 @@ Error ErrorInHand() {
     return {static_cast<std::int32_t>(EngineError::kFailed), other.what()};
   }
 }
+
+}  // namespace
 
 HRESULT ReportFailure(const GUID& interfaceId) noexcept {
   try {
@@ -49,10 +55,12 @@ HRESULT FillFailure(EXCEPINFO* info) noexcept {
   try {
     const Error error = ErrorInHand();
     if (info != nullptr) {
+      automation::OwnedVariant source = automation::FromText(error.source());
+      automation::OwnedVariant description = automation::FromText(error.description());
       *info = {};
       info->scode = automation::ToHresult(error.number());
-      info->bstrSource = automation::ToBstr(error.source());
-      info->bstrDescription = automation::ToBstr(error.description());
+      info->bstrSource = std::exchange(source->bstrVal, nullptr);
+      info->bstrDescription = std::exchange(description->bstrVal, nullptr);
     }
     return DISP_E_EXCEPTION;
   } catch (...) {

@@ -9,9 +9,6 @@
 
 namespace lotrix::com {
 
-// The exception in hand; only to be called from a handler.
-[[nodiscard]] Error ErrorInHand();
-
 // Leaves the error information of the exception in hand with the calling thread.
 // Only to be called from a handler.
 [[nodiscard]] HRESULT ReportFailure(const GUID& interfaceId) noexcept;
@@ -31,10 +28,18 @@ template <class Work>
   }
 }
 
-// What an [out] pointer points to; throws E_POINTER's error for none.
+// What a pointer argument points to; throws E_POINTER's error for none.
 template <class T>
-[[nodiscard]] T& Out(T* target) {
+[[nodiscard]] T& PointedTo(T* target) {
   if (target == nullptr) throw Error(E_POINTER, "Invalid pointer");
+  return *target;
+}
+
+// What an [out] pointer points to, empty: that is what the caller finds after a
+// failure.
+template <class T>
+[[nodiscard]] T& FreshOut(T* target) {
+  PointedTo(target) = T{};
   return *target;
 }
 

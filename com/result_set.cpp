@@ -44,45 +44,53 @@ class ResultSetObject final : public AutomationObject<_cResultSet> {
   explicit ResultSetObject(cResultSet table) : table_(std::move(table)) {}
 
   STDMETHODIMP get_Cols(LONG* result) override {
-    return Answer(Identifier(), [&] { Out(result) = table_.Cols(); });
+    return Answered([&] { FreshOut(result) = table_.Cols(); });
   }
   STDMETHODIMP put_Cols(LONG value) override {
-    return Answer(Identifier(), [&] { table_.Cols(value); });
+    return Answered([&] { table_.Cols(value); });
   }
   STDMETHODIMP get_Rows(LONG* result) override {
-    return Answer(Identifier(), [&] { Out(result) = table_.Rows(); });
+    return Answered([&] { FreshOut(result) = table_.Rows(); });
   }
   STDMETHODIMP put_Rows(LONG value) override {
-    return Answer(Identifier(), [&] { table_.Rows(value); });
+    return Answered([&] { table_.Rows(value); });
   }
   STDMETHODIMP get_Data(_Collection** result) override {
-    return Answer(Identifier(), [&] { Out(result) = AsCollection(ObjectOf(table_.Data())); });
+    return Answered([&] {
+      _Collection*& answer = FreshOut(result);
+      answer = AsCollection(ObjectOf(table_.Data()));
+    });
   }
   STDMETHODIMP putref_Data(IDispatch* value) override {
-    return Answer(Identifier(), [&] { table_.Data(CollectionOf(value)); });
+    return Answered([&] { table_.Data(CollectionOf(value)); });
   }
   STDMETHODIMP get_Headers(_Collection** result) override {
-    return Answer(Identifier(), [&] { Out(result) = AsCollection(ObjectOf(table_.Headers())); });
+    return Answered([&] {
+      _Collection*& answer = FreshOut(result);
+      answer = AsCollection(ObjectOf(table_.Headers()));
+    });
   }
   STDMETHODIMP putref_Headers(IDispatch* value) override {
-    return Answer(Identifier(), [&] { table_.Headers(CollectionOf(value)); });
+    return Answered([&] { table_.Headers(CollectionOf(value)); });
   }
   STDMETHODIMP CLEAR() override {
-    return Answer(Identifier(), [&] { table_.CLEAR(); });
+    return Answered([&] { table_.CLEAR(); });
   }
   STDMETHODIMP SetValue(LONG* aRow, LONG* aCol, BSTR* aValue) override {
-    return Answer(Identifier(),
-                  [&] { table_.SetValue(Out(aRow), Out(aCol), FromBstr(Out(aValue))); });
+    return Answered(
+        [&] { table_.SetValue(PointedTo(aRow), PointedTo(aCol), FromBstr(PointedTo(aValue))); });
   }
   STDMETHODIMP GetValue(LONG* aRow, LONG* aCol, BSTR* result) override {
-    return Answer(Identifier(),
-                  [&] { Out(result) = automation::ToBstr(table_.GetValue(Out(aRow), Out(aCol))); });
+    return Answered([&] {
+      BSTR& answer = FreshOut(result);
+      answer = automation::ToBstr(table_.GetValue(PointedTo(aRow), PointedTo(aCol)));
+    });
   }
   STDMETHODIMP AddRow(VARIANT* aCollection) override {
-    return Answer(Identifier(), [&] { AddRowGiven(aCollection); });
+    return Answered([&] { AddRowGiven(aCollection); });
   }
   STDMETHODIMP DeleteRow(LONG* aRow) override {
-    return Answer(Identifier(), [&] { table_.DeleteRow(Out(aRow)); });
+    return Answered([&] { table_.DeleteRow(PointedTo(aRow)); });
   }
 
  private:
@@ -101,10 +109,10 @@ class ResultSetObject final : public AutomationObject<_cResultSet> {
         if (!reads) return table_.Rows(LongIn(*given[0]));
         return FromLong(table_.Rows()).MoveTo(result);
       case kData:
-        if (!reads) return table_.Data(CollectionOf(ObjectArgument(*given[0])));
+        if (!reads) return table_.Data(CollectionOf(ObjectArgument(*given[0]).get()));
         return FromObject(ObjectOf(table_.Data()).get()).MoveTo(result);
       case kHeaders:
-        if (!reads) return table_.Headers(CollectionOf(ObjectArgument(*given[0])));
+        if (!reads) return table_.Headers(CollectionOf(ObjectArgument(*given[0]).get()));
         return FromObject(ObjectOf(table_.Headers()).get()).MoveTo(result);
       case kClear:
         return table_.CLEAR();
@@ -126,7 +134,7 @@ class ResultSetObject final : public AutomationObject<_cResultSet> {
 
   void AddRowGiven(const VARIANT* row) {
     if (row == nullptr || automation::IsMissing(*row)) return table_.AddRow();
-    table_.AddRow(CollectionOf(ObjectArgument(*row)));
+    table_.AddRow(CollectionOf(ObjectArgument(*row).get()));
   }
 
   cResultSet table_;

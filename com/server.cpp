@@ -22,11 +22,16 @@ using automation::Held;
 std::atomic<long> livingObjects = 0;
 HMODULE ownModule = nullptr;
 
+void Require(HRESULT result) {
+  if (FAILED(result)) automation::RaiseHresult(result);
+}
+
 std::wstring OwnPath() {
   std::wstring path(MAX_PATH, L'\0');
   for (;;) {
     const DWORD length =
         GetModuleFileNameW(ownModule, path.data(), static_cast<DWORD>(path.size()));
+    if (length == 0) Require(HRESULT_FROM_WIN32(GetLastError()));
     if (length < path.size()) {
       path.resize(length);
       return path;
@@ -35,8 +40,11 @@ std::wstring OwnPath() {
   }
 }
 
-void Require(HRESULT result) {
-  if (FAILED(result)) automation::RaiseHresult(result);
+// The type library inside the server's own file.
+Held<ITypeLib> OwnTypeLibrary() {
+  ITypeLib* library = nullptr;
+  Require(LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, &library));
+  return Held<ITypeLib>(library);
 }
 
 // A class that clients may create.
@@ -132,9 +140,26 @@ void RegisterClass(const PublishedClass& published, const std::wstring& path) {
   SetClassesValue(programId + L"\\CLSID", nullptr, classId);
 }
 
+// ProgIDs are the same for programs of both kinds, class identifiers are not.
+bool IsRegisteredForOtherPrograms(const std::wstring& classKey) {
+#ifdef _WIN64
+  constexpr REGSAM kOtherView = KEY_WOW64_32KEY;
+#else
+  constexpr REGSAM kOtherView = KEY_WOW64_64KEY;
+#endif
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, classKey.c_str(), 0, KEY_READ | kOtherView, &key) !=
+      ERROR_SUCCESS) {
+    return false;
+  }
+  RegCloseKey(key);
+  return true;
+}
+
 void UnregisterClass(const PublishedClass& published) {
-  DeleteClassesKey(published.programId);
-  DeleteClassesKey(L"CLSID\\" + GuidText(*published.identifier));
+  const std::wstring classKey = L"CLSID\\" + GuidText(*published.identifier);
+  DeleteClassesKey(classKey);
+  if (!IsRegisteredForOtherPrograms(classKey)) DeleteClassesKey(published.programId);
 }
 
 void UnregisterLibrary() {
@@ -149,25 +174,42 @@ void UnregisterLibrary() {
 }
 
 template <class Work>
-HRESULT Registering(Work&& work) noexcept {
+bool Succeeds(Work&& work) noexcept {
   try {
     work();
-    return S_OK;
+    return true;
   } catch (...) {
-    return SELFREG_E_CLASS;
+    return false;
   }
+}
+
+void RegisterAll() {
+  std::wstring path = OwnPath();
+  Require(RegisterTypeLib(OwnTypeLibrary().get(), path.data(), nullptr));
+  for (const PublishedClass& published : kClasses) RegisterClass(published, path);
+}
+
+// Every part is tried, whatever becomes of the others.
+bool UnregisterAll() noexcept {
+  bool all = true;
+  for (const PublishedClass& published : kClasses) {
+    all = Succeeds([&] { UnregisterClass(published); }) && all;
+  }
+  return Succeeds(UnregisterLibrary) && all;
+}
+
+// The static runtime gives back no thread-local slot when it is unloaded, and a
+// process has a thousand of them: once used, the library stays.
+void StayLoaded() {
+  HMODULE pinned = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     reinterpret_cast<LPCWSTR>(&StayLoaded), &pinned);
 }
 
 }  // namespace
 
 KeepsServerLoaded::KeepsServerLoaded() noexcept { ++livingObjects; }
 KeepsServerLoaded::~KeepsServerLoaded() { --livingObjects; }
-
-Held<ITypeLib> OwnTypeLibrary() {
-  ITypeLib* library = nullptr;
-  Require(LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, &library));
-  return Held<ITypeLib>(library);
-}
 
 Held<ITypeInfo> TypeInfoOf(const GUID& identifier) {
   ITypeInfo* information = nullptr;
@@ -182,16 +224,14 @@ using namespace lotrix::com;
 extern "C" {
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* /*reserved*/) {
-  if (reason == DLL_PROCESS_ATTACH) {
-    ownModule = module;
-    DisableThreadLibraryCalls(module);
-  }
+  if (reason == DLL_PROCESS_ATTACH) ownModule = module;
   return TRUE;
 }
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID identifier, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
+  StayLoaded();
   for (const PublishedClass& published : kClasses) {
     if (classId != *published.identifier) continue;
     try {
@@ -207,18 +247,11 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID identifier, void** object) {
 STDAPI DllCanUnloadNow() { return livingObjects == 0 ? S_OK : S_FALSE; }
 
 STDAPI DllRegisterServer() {
-  return Registering([] {
-    std::wstring path = OwnPath();
-    Require(RegisterTypeLib(OwnTypeLibrary().get(), path.data(), nullptr));
-    for (const PublishedClass& published : kClasses) RegisterClass(published, path);
-  });
+  if (Succeeds(RegisterAll)) return S_OK;
+  UnregisterAll();
+  return SELFREG_E_CLASS;
 }
 
-STDAPI DllUnregisterServer() {
-  return Registering([] {
-    for (const PublishedClass& published : kClasses) UnregisterClass(published);
-    UnregisterLibrary();
-  });
-}
+STDAPI DllUnregisterServer() { return UnregisterAll() ? S_OK : SELFREG_E_CLASS; }
 
 }  // extern "C"

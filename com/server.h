@@ -17,8 +17,7 @@ class KeepsServerLoaded {
   KeepsServerLoaded& operator=(const KeepsServerLoaded&) = delete;
 };
 
-// The type library inside the server's own file. Throws what loading it throws.
-[[nodiscard]] automation::Held<ITypeLib> OwnTypeLibrary();
+// From the type library inside the server's own file; throws what loading it throws.
 [[nodiscard]] automation::Held<ITypeInfo> TypeInfoOf(const GUID& identifier);
 
 }  // namespace lotrix::com

@@ -60,21 +60,22 @@ class ServiceObject final : public AutomationObject<_cLotrix> {
     if (object != nullptr) automation::FromObject(object.get()).MoveTo(result);
   }
 
-  template <class Interface>
-  HRESULT CallMember(std::uint32_t dispatchId, const std::vector<Argument>& arguments,
+  // Making the arguments can fail as the call itself can.
+  template <class MakeArguments, class Interface>
+  HRESULT CallMember(std::uint32_t dispatchId, const MakeArguments& makeArguments,
                      Interface** result) {
-    return Answer(Identifier(), [&] {
-      Out(result) = nullptr;
-      const Held<IDispatch> object =
-          ObjectFrom(lotrix::Call(lotrix_, MemberWithId(dispatchId), arguments));
+    return Answered([&] {
+      Interface*& answer = FreshOut(result);
+      Held<IDispatch> object =
+          ObjectFrom(lotrix::Call(lotrix_, MemberWithId(dispatchId), makeArguments()));
       // What a member gives is of the interface that its signature names.
-      *result = static_cast<Interface*>(automation::Hold(object.get()).release());
+      answer = static_cast<Interface*>(object.release());
     });
   }
-  HRESULT CallMember(std::uint32_t dispatchId, const std::vector<Argument>& arguments,
-                     std::nullptr_t) {
-    return Answer(Identifier(), [&] {
-      static_cast<void>(lotrix::Call(lotrix_, MemberWithId(dispatchId), arguments));
+  template <class MakeArguments>
+  HRESULT CallMember(std::uint32_t dispatchId, const MakeArguments& makeArguments, std::nullptr_t) {
+    return Answered([&] {
+      static_cast<void>(lotrix::Call(lotrix_, MemberWithId(dispatchId), makeArguments()));
     });
   }
 
@@ -83,13 +84,13 @@ class ServiceObject final : public AutomationObject<_cLotrix> {
       return Held<IDispatch>(NewResultSetObject(std::move(*table)).release());
     }
     if (const auto* const connection = std::get_if<std::shared_ptr<Connection>>(&answer)) {
-      return connections_.ObjectOf(*connection);
+      return ConnectionObjectOf(*connection, connectionObject_);
     }
     return nullptr;
   }
 
   cLotrix lotrix_;
-  ConnectionObjects connections_;
+  Held<IDispatch> connectionObject_;  // the one handed out last
 };
 
 }  // namespace

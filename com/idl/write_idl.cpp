@@ -162,7 +162,8 @@ std::string VtableMethod(const Member& member) {
         fmt::format("{}{} *result", parameters.empty() ? "" : ", ", ResultType(member.result));
   }
   return fmt::format(
-      "STDMETHODIMP {}{}({}) override {{\n  return CallMember({:#x}, {{{}}}, {});\n}}\n",
+      "STDMETHODIMP {}{}({}) override {{\n"
+      "  return CallMember({:#x}, [&] {{ return std::vector<Argument>{{{}}}; }}, {});\n}}\n",
       member.kind == MemberKind::kPropertyGet ? "get_" : "", member.name, parameters,
       member.dispatchId, arguments, answers ? "result" : "nullptr");
 }

@@ -79,6 +79,7 @@ class Connection {
     }
   }
   void DropIfLost() noexcept;
+  void CloseRecordsets() noexcept;
   void DropSession() noexcept;
 
   std::string connectionString_;

@@ -56,7 +56,9 @@ class cResultSet {
   void DeleteRow(std::int32_t aRow);
 
  private:
-  [[nodiscard]] Collection& RequireData() const;
+  // Held by whoever uses it: another program's list may be taken away by what its own
+  // members do.
+  [[nodiscard]] std::shared_ptr<Collection> RequireData() const;
   void CountRow();
 
   std::int32_t cols_ = 0;

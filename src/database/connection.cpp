@@ -55,13 +55,19 @@ void Connection::Open(const Text& connectionString, const Text& userId, const Te
 
 void Connection::Close() {
   OpenSession().Close();
-  DropSession();
+  CloseRecordsets();
+  // Another program's connection may be opened again by the client that was handed it.
+  if (object_ == nullptr) session_.reset();
 }
 
-void Connection::DropSession() noexcept {
+void Connection::CloseRecordsets() noexcept {
   for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
   for (Recordset* const recordset : recordsets_) recordset->Drop();
   recordsets_.clear();
+}
+
+void Connection::DropSession() noexcept {
+  CloseRecordsets();
   session_.reset();
 }
 
@@ -119,7 +125,7 @@ void ConnectionAccess::WrapSession(
 }
 
 std::shared_ptr<void> ConnectionAccess::ForeignObject(const Connection& connection) {
-  return connection.State() == ObjectState::kOpen ? connection.object_ : nullptr;
+  return connection.session_ == nullptr ? nullptr : connection.object_;
 }
 
 bool ConnectionAccess::HasKeyTransactions(const Connection& connection) {

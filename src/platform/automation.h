@@ -66,9 +66,10 @@ class OwnedVariant {
 // What a by-reference variant refers to.
 [[nodiscard]] const VARIANT& Referred(const VARIANT& variant);
 [[nodiscard]] bool IsMissing(const VARIANT& variant);
-// The object that it holds, perhaps null; nothing else holds one.
 [[nodiscard]] bool HoldsObject(const VARIANT& variant);
-[[nodiscard]] IDispatch* ObjectIn(const VARIANT& variant);
+// The object that it holds, perhaps null; null where it holds none. Throws 13 for an
+// object that is not an automation object.
+[[nodiscard]] Held<IDispatch> ObjectIn(const VARIANT& variant);
 
 // Of an object, the value of its default member. A date's time of day is dropped,
 // numbers of all kinds become whole numbers or doubles. Throws 13 for an array, an

@@ -1,7 +1,6 @@
 #include <dispex.h>
 
 #include <charconv>
-#include <cmath>
 #include <new>
 
 #include "src/errors/raise_error.h"
@@ -35,13 +34,13 @@ double FromFloat(float number) {
 
 OwnedVariant ByAutomation(const VARIANT& variant, VARTYPE type) {
   OwnedVariant converted;
-  const HRESULT result =
-      VariantChangeTypeEx(&*converted, const_cast<VARIANT*>(&variant), kEnglish, 0, type);
+  const HRESULT result = VariantChangeTypeEx(&*converted, const_cast<VARIANT*>(&variant), kEnglish,
+                                             VARIANT_NOUSEROVERRIDE, type);
   if (FAILED(result)) RaiseHresult(result);
   return converted;
 }
 
-Value DefaultValueOf(IDispatch* object) {
+Value DefaultValueOf(const Held<IDispatch>& object) {
   if (object == nullptr) RaiseRuntimeError(RuntimeError::kObjectNotSet);
   DISPPARAMS none{};
   OwnedVariant value;
@@ -122,8 +121,15 @@ DISPID IdOf(IDispatch* object, const wchar_t* member) {
   return id;
 }
 
-OwnedVariant InvokeById(IDispatch* object, DISPID id, WORD kind,
-                        const std::vector<OwnedVariant>& arguments) {
+// What came of an invocation.
+struct Invoked {
+  HRESULT result = S_OK;
+  OwnedVariant answer;
+  ExceptionTexts texts;
+};
+
+void InvokeById(IDispatch* object, DISPID id, WORD kind, const std::vector<OwnedVariant>& arguments,
+                Invoked& invoked) {
   std::vector<VARIANT> backwards;
   backwards.reserve(arguments.size());
   for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
@@ -133,19 +139,20 @@ OwnedVariant InvokeById(IDispatch* object, DISPID id, WORD kind,
   const bool puts = kind == DISPATCH_PROPERTYPUT;
   DISPPARAMS parameters = {backwards.data(), puts ? &named : nullptr,
                            static_cast<UINT>(backwards.size()), puts ? 1U : 0U};
-  ExceptionTexts texts;
-  OwnedVariant result;
-  VARIANT* const answer = puts ? nullptr : &*result;
-  HRESULT invoked = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, answer,
-                                   &texts.info, nullptr);
-  if (invoked == E_NOTIMPL) {
-    if (const Held<IDispatchEx> extended = Extended(object)) {
-      invoked = extended->InvokeEx(id, LOCALE_USER_DEFAULT, kind, &parameters, answer, &texts.info,
-                                   nullptr);
-    }
+  VARIANT* const answer = puts ? nullptr : &*invoked.answer;
+  EXCEPINFO* const info = &invoked.texts.info;
+  invoked.result =
+      object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, answer, info, nullptr);
+  if (invoked.result != E_NOTIMPL) return;
+  if (const Held<IDispatchEx> extended = Extended(object)) {
+    invoked.result =
+        extended->InvokeEx(id, LOCALE_USER_DEFAULT, kind, &parameters, answer, info, nullptr);
   }
-  if (FAILED(invoked)) RaiseInvoked(invoked, texts.info);
-  return result;
+}
+
+OwnedVariant AnswerOf(Invoked& invoked) {
+  if (FAILED(invoked.result)) RaiseInvoked(invoked.result, invoked.texts.info);
+  return std::move(invoked.answer);
 }
 
 }  // namespace
@@ -160,6 +167,13 @@ BSTR ToBstr(std::string_view utf8) {
   BSTR const text = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
   if (text == nullptr) throw std::bad_alloc();
   return text;
+}
+
+// Its own is not looked for behind a reference to nothing.
+void RequireReference(const VARIANT& variant) {
+  if ((V_VT(&variant) & VT_BYREF) != 0 && V_BYREF(&variant) == nullptr) {
+    RaiseRuntimeError(RuntimeError::kTypeMismatch);
+  }
 }
 
 const VARIANT& Referred(const VARIANT& variant) {
@@ -178,19 +192,24 @@ bool HoldsObject(const VARIANT& variant) {
   return type == VT_DISPATCH || type == VT_UNKNOWN;
 }
 
-IDispatch* ObjectIn(const VARIANT& variant) {
+Held<IDispatch> ObjectIn(const VARIANT& variant) {
   const VARIANT& referred = Referred(variant);
-  switch (V_VT(&referred)) {
-    case VT_DISPATCH:
-      return V_DISPATCH(&referred);
-    case VT_BYREF | VT_DISPATCH:
-      return *V_DISPATCHREF(&referred);
-    default:
-      return nullptr;
+  if (!HoldsObject(referred)) return nullptr;
+  RequireReference(referred);
+  const bool byReference = (V_VT(&referred) & VT_BYREF) != 0;
+  IUnknown* const object = byReference ? *V_UNKNOWNREF(&referred) : V_UNKNOWN(&referred);
+  if (object == nullptr) return nullptr;
+  void* dispatch = nullptr;
+  if (FAILED(object->QueryInterface(IID_IDispatch, &dispatch))) {
+    RaiseRuntimeError(RuntimeError::kTypeMismatch);
   }
+  return Held<IDispatch>(static_cast<IDispatch*>(dispatch));
 }
 
 Value ToValue(const VARIANT& variant) {
+  RequireReference(variant);
+  RequireReference(Referred(variant));
+  if (HoldsObject(variant)) return DefaultValueOf(ObjectIn(variant));
   OwnedVariant plain;
   if (FAILED(VariantCopyInd(&*plain, const_cast<VARIANT*>(&variant))))
     RaiseRuntimeError(RuntimeError::kTypeMismatch);
@@ -230,8 +249,6 @@ Value ToValue(const VARIANT& variant) {
       return lotrix::ToDate(plain->date);
     case VT_BSTR:
       return FromBstr(plain->bstrVal);
-    case VT_DISPATCH:
-      return DefaultValueOf(plain->pdispVal);
     default:
       RaiseRuntimeError(RuntimeError::kTypeMismatch);
   }
@@ -317,25 +334,28 @@ void RaiseHresult(HRESULT result) {
 }
 
 OwnedVariant Call(IDispatch* object, const wchar_t* member, std::vector<OwnedVariant> arguments) {
-  return InvokeById(object, IdOf(object, member), DISPATCH_METHOD, arguments);
+  Invoked invoked;
+  InvokeById(object, IdOf(object, member), DISPATCH_METHOD, arguments, invoked);
+  return AnswerOf(invoked);
 }
 
 OwnedVariant Get(IDispatch* object, const wchar_t* member, std::vector<OwnedVariant> arguments) {
   const DISPID id = IdOf(object, member);
-  // Many objects tell a property from a function by nothing but the caller's word.
-  constexpr WORD kEither = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
-  if (!arguments.empty()) return InvokeById(object, id, kEither, arguments);
-  try {
-    // Others have plain properties, which cannot be called.
-    return InvokeById(object, id, DISPATCH_PROPERTYGET, arguments);
-  } catch (const Error& error) {
-    if (error.number() != static_cast<std::int32_t>(RuntimeError::kUnknownMember)) throw;
-    return InvokeById(object, id, kEither, arguments);
+  Invoked invoked;
+  // A plain property cannot be called, and is all that stands without arguments.
+  if (arguments.empty()) InvokeById(object, id, DISPATCH_PROPERTYGET, arguments, invoked);
+  if (!arguments.empty() || invoked.result == DISP_E_MEMBERNOTFOUND) {
+    // Many objects tell a property from a function by nothing but the caller's word.
+    InvokeById(object, id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments, invoked);
   }
+  return AnswerOf(invoked);
 }
 
 void Put(IDispatch* object, const wchar_t* member, OwnedVariant value) {
-  InvokeById(object, IdOf(object, member), DISPATCH_PROPERTYPUT, Arguments(std::move(value)));
+  Invoked invoked;
+  InvokeById(object, IdOf(object, member), DISPATCH_PROPERTYPUT, Arguments(std::move(value)),
+             invoked);
+  AnswerOf(invoked);
 }
 
 }  // namespace lotrix::automation

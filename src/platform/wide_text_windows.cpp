@@ -1,10 +1,14 @@
 #include <windows.h>
 
+#include <climits>
+#include <new>
+
 #include "src/platform/wide_text.h"
 
 namespace lotrix {
 
 std::wstring ToWide(std::string_view utf8) {
+  if (utf8.size() > INT_MAX) throw std::bad_alloc();
   const int bytes = static_cast<int>(utf8.size());
   std::wstring wide(
       static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, nullptr, 0)),

@@ -103,7 +103,8 @@ Collection::PackedValue::PackedValue(PackedValue&& other) noexcept : kind_(other
 
 Collection::PackedValue& Collection::PackedValue::operator=(PackedValue&& other) noexcept {
   if (this == &other) return *this;
-  if (kind_ >= kLongText) Release();
+  // Goes last: what it lets go may be a client's, and call back.
+  const PackedValue old(std::move(*this));
   kind_ = std::exchange(other.kind_, std::uint8_t{kEmpty});
   std::memcpy(bytes_, other.bytes_, sizeof bytes_);
   return *this;
@@ -274,15 +275,17 @@ std::size_t Collection::SlotOf(std::string_view key) const {
 
 void Collection::RemoveSlot(std::size_t slot) {
   if (keys_ == nullptr && slot + 1 == slots_.size()) {
+    const PackedValue last(std::move(slots_.back()));
     slots_.pop_back();
     return;
   }
   StoreKeys();
+  // The list is in order again before the item goes, which may call back.
+  const PackedValue removed(std::move(slots_[slot]));
   if (keys_->folded[slot]) {
     keys_->slots.erase(*keys_->folded[slot]);
     keys_->folded[slot].reset();
   }
-  slots_[slot] = PackedValue();
   keys_->removed[slot] = true;
   ++keys_->gaps;
   if (keys_->gaps > slots_.size() / 2) Compact();

@@ -30,19 +30,19 @@ void cResultSet::CLEAR() {
 }
 
 void cResultSet::SetValue(std::int32_t aRow, std::int32_t aCol, const Text& aValue) {
-  Collection& data = RequireData();
-  if (aRow > data.Count()) RaiseError(kInvalidRow);
-  const std::shared_ptr<Collection> row = RequireRow(data.Item(Key(aRow)));
+  const std::shared_ptr<Collection> data = RequireData();
+  if (aRow > data->Count()) RaiseError(kInvalidRow);
+  const std::shared_ptr<Collection> row = RequireRow(data->Item(Key(aRow)));
   if (aCol <= row->Count()) row->Remove(Key(aCol));
   row->Add(aValue.str(), Key(aCol));
-  data.Remove(Key(aRow));
-  data.Add(row, Key(aRow));
+  data->Remove(Key(aRow));
+  data->Add(row, Key(aRow));
 }
 
 std::string cResultSet::GetValue(std::int32_t aRow, std::int32_t aCol) const {
-  const Collection& data = RequireData();
-  if (aRow > data.Count()) RaiseError(kInvalidRow);
-  const std::shared_ptr<Collection> row = RequireRow(data.Item(Key(aRow)));
+  const std::shared_ptr<Collection> data = RequireData();
+  if (aRow > data->Count()) RaiseError(kInvalidRow);
+  const std::shared_ptr<Collection> row = RequireRow(data->Item(Key(aRow)));
   if (aCol > row->Count()) RaiseError(kInvalidCol);
   const Value cell = row->Item(Key(aCol));
   return std::holds_alternative<Null>(cell) ? std::string() : ToText(cell);
@@ -50,15 +50,15 @@ std::string cResultSet::GetValue(std::int32_t aRow, std::int32_t aCol) const {
 
 void cResultSet::AddRow(std::shared_ptr<Collection> aCollection) {
   CountRow();
-  Collection& data = RequireData();
-  data.Add(std::move(aCollection), NumberText(std::int64_t{data.Count()} + 1));
+  const std::shared_ptr<Collection> data = RequireData();
+  data->Add(std::move(aCollection), NumberText(std::int64_t{data->Count()} + 1));
 }
 
 void cResultSet::AddRow() {
   CountRow();
-  Collection& data = RequireData();
-  const std::int64_t row = std::int64_t{data.Count()} + 1;
-  data.Add(std::make_shared<Collection>(), NumberText(row));
+  const std::shared_ptr<Collection> data = RequireData();
+  const std::int64_t row = std::int64_t{data->Count()} + 1;
+  data->Add(std::make_shared<Collection>(), NumberText(row));
   for (std::int32_t column = 1; column <= Cols(); ++column) {
     SetValue(static_cast<std::int32_t>(row), column, "");
   }
@@ -69,18 +69,18 @@ void cResultSet::DeleteRow(std::int32_t aRow) {
     RaiseRuntimeError(RuntimeError::kOverflow);
   }
   Rows(Rows() - 1);
-  const Collection& data = RequireData();
+  const std::shared_ptr<Collection> data = RequireData();
   auto kept = std::make_shared<Collection>();
   std::int32_t position = 0;
-  for (const Value& row : data) {
+  for (const Value& row : *data) {
     if (++position != aRow) kept->AddNumbered(row);
   }
   Data(std::move(kept));
 }
 
-Collection& cResultSet::RequireData() const {
+std::shared_ptr<Collection> cResultSet::RequireData() const {
   if (data_ == nullptr) RaiseRuntimeError(RuntimeError::kObjectNotSet);
-  return *data_;
+  return data_;
 }
 
 void cResultSet::CountRow() {

@@ -1,5 +1,6 @@
 #include "src/database/providers/ado/session.h"
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -27,10 +28,14 @@ using automation::Put;
 Held<IDispatch> Create(const wchar_t* programId) {
   CLSID classId;
   void* created = nullptr;
-  if (FAILED(CLSIDFromProgID(programId, &classId)) ||
-      FAILED(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &created))) {
+  HRESULT result = CLSIDFromProgID(programId, &classId);
+  if (SUCCEEDED(result)) {
+    result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &created);
+  }
+  if (result == CO_E_CLASSSTRING || result == REGDB_E_CLASSNOTREG) {
     RaiseRuntimeError(RuntimeError::kUnknownProvider);
   }
+  if (FAILED(result)) automation::RaiseHresult(result);
   return Held<IDispatch>(static_cast<IDispatch*>(created));
 }
 
@@ -62,12 +67,11 @@ Value FieldValue(const OwnedVariant& variant, DataType type) {
 class AdoCursor final : public Cursor {
  public:
   explicit AdoCursor(Held<IDispatch> recordset) : recordset_(std::move(recordset)) {
-    const OwnedVariant fields = Get(recordset_.get(), L"Fields");
-    const std::int32_t count = LongOf(Get(ObjectIn(*fields), L"Count"));
+    const Held<IDispatch> fields = ObjectIn(*Get(recordset_.get(), L"Fields"));
+    const std::int32_t count = LongOf(Get(fields.get(), L"Count"));
     for (std::int32_t i = 0; i < count; ++i) {
-      const OwnedVariant item = Get(ObjectIn(*fields), L"Item", Arguments(FromLong(i)));
       Column column;
-      column.field = automation::Hold(ObjectIn(*item));
+      column.field = ObjectIn(*Get(fields.get(), L"Item", Arguments(FromLong(i))));
       column.name =
           LowerCase(lotrix::ToText(automation::ToValue(*Get(column.field.get(), L"Name"))));
       column.type = static_cast<DataType>(LongOf(Get(column.field.get(), L"Type")));
@@ -98,7 +102,7 @@ class AdoCursor final : public Cursor {
             return Null{};
           }
         },
-        At(column).value);
+        StoredValue(At(column)));
   }
   [[nodiscard]] bool AtEnd() const override { return atEnd_; }
   void Next() override {
@@ -114,8 +118,15 @@ class AdoCursor final : public Cursor {
     Held<IDispatch> field;
     std::string name;
     DataType type = DataType::kEmpty;
-    Value value;
+    // Of the current row, once it was asked for: a field that cannot be read hinders
+    // nobody who does not want it.
+    mutable std::optional<Value> value;
   };
+
+  static const Value& StoredValue(const Column& column) {
+    if (!column.value) column.value = FieldValue(Get(column.field.get(), L"Value"), column.type);
+    return *column.value;
+  }
 
   [[nodiscard]] const Column& At(int column) const {
     return columns_[static_cast<std::size_t>(column)];
@@ -123,10 +134,7 @@ class AdoCursor final : public Cursor {
 
   void ReadRow() {
     atEnd_ = lotrix::ToLogical(automation::ToValue(*Get(recordset_.get(), L"EOF")));
-    if (atEnd_) return;
-    for (Column& column : columns_) {
-      column.value = FieldValue(Get(column.field.get(), L"Value"), column.type);
-    }
+    for (Column& column : columns_) column.value.reset();
   }
 
   Held<IDispatch> recordset_;
@@ -152,7 +160,7 @@ class AdoSession final : public Session {
     const OwnedVariant recordset = Call(
         object(), L"Execute",
         Arguments(FromText(statement.text()), MissingArgument(), FromLong(kUnspecifiedOptions)));
-    return CursorOn(automation::Hold(ObjectIn(*recordset)));
+    return CursorOn(ObjectIn(*recordset));
   }
 
   std::unique_ptr<Cursor> OpenRecordset(const Statement& statement, CursorType cursor,
