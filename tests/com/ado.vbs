@@ -56,6 +56,10 @@ Set answer = Nothing
 service.closeConnection
 Check "connection: closed", connection.State, 0
 service.closeConnection
+connection.Open
+Check "connection: opened by the client", service.vaccineReferenceTableRead.Rows, 2
+service.closeConnection
+Check "connection: the client's closed", connection.State, 0
 service.openConnection "Provider=Shaped;Data Source=other"
 Check "connection: opened again", service.Connection.State, 1
 Check "connection: with the new text", connection.ConnectionString, _
@@ -90,4 +94,4 @@ Check "connection: opened after a failure", service.Connection.State, 1
 Set service = Nothing
 Check "connection: open without its service", connection.State, 1
 Set connection = Nothing
-Finish 41
+Finish 43

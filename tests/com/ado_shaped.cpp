@@ -7,6 +7,7 @@
 //   "\N" for a Null.
 // A statement without fields gives a recordset that is closed. The files are named by
 // ADO_SHAPED_JOURNAL and ADO_SHAPED_ANSWERS.
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <fstream>
@@ -114,6 +115,8 @@ Answers ReadAnswers() {
   return answers;
 }
 
+constexpr std::int32_t kBinary = 205;
+
 // What a provider would call the types.
 VARTYPE VariantType(std::int32_t adoType) {
   switch (adoType) {
@@ -156,6 +159,13 @@ void SetLogical(VARIANT* result, bool value) {
   result->boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
 }
 
+void SetBytes(VARIANT* result, const std::string& bytes) {
+  result->vt = VT_ARRAY | VT_UI1;
+  result->parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
+  if (result->parray == nullptr) return;
+  std::ranges::copy(bytes, static_cast<char*>(result->parray->pvData));
+}
+
 void SetObject(VARIANT* result, IDispatch* object) {
   result->vt = VT_DISPATCH;
   result->pdispVal = object;
@@ -168,7 +178,7 @@ const VARIANT& Referred(const VARIANT& argument) {
 // Of a copy that owns nothing, since the source may not be constant.
 HRESULT Convert(const VARIANT& argument, VARTYPE type, lotrix_client::Variant& converted) {
   VARIANT source = Referred(argument);
-  return VariantChangeTypeEx(converted.get(), &source, 0x409, 0, type);
+  return VariantChangeTypeEx(converted.get(), &source, 0x409, VARIANT_NOUSEROVERRIDE, type);
 }
 
 std::string TextOf(const VARIANT& argument) {
@@ -279,8 +289,9 @@ void FieldValue(const Field& field, const std::optional<std::string>& value, VAR
     return;
   }
   lotrix_client::Variant text(ToWide(*value));
-  const HRESULT converted =
-      VariantChangeTypeEx(result, text.get(), 0x409, 0, VariantType(field.type));
+  if (field.type == kBinary) return SetBytes(result, *value);
+  const HRESULT converted = VariantChangeTypeEx(result, text.get(), 0x409, VARIANT_NOUSEROVERRIDE,
+                                                VariantType(field.type));
   if (FAILED(converted)) throw Failure{converted, "Answers", "No such value: " + *value};
 }
 

@@ -156,6 +156,8 @@ inline void Check(std::string_view name, std::string_view got, std::string_view 
                 static_cast<int>(got.size()), got.data(), static_cast<int>(expected.size()),
                 expected.data());
   }
+  // What a client that crashes has got through must be seen.
+  std::fflush(stdout);
 }
 
 template <class Number>

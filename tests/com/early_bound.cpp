@@ -1,6 +1,11 @@
 // A client built from the generated header, which calls through the vtable.
 //   early_bound CONNECTION-STRING TODAY
+#include <algorithm>
+#include <array>
+#include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "automation_client.h"
 #include "lotrix_h.h"
@@ -95,6 +100,82 @@ std::string Stored(_cLotrix* service, const std::wstring& query) {
   Variant fields = call(records->pdispVal, L"Fields", DISPATCH_PROPERTYGET, nullptr);
   Variant field = call(fields->pdispVal, L"Item", DISPATCH_METHOD | DISPATCH_PROPERTYGET, &first);
   return call(field->pdispVal, L"Value", DISPATCH_PROPERTYGET, nullptr).Shown();
+}
+
+// A client's list of one row. What happens when it is counted, once, and when it goes
+// is for its maker to say.
+class OwnList final : public IDispatch {
+ public:
+  explicit OwnList(IDispatch* row = nullptr) : row_(row) {}
+
+  std::function<void()> whenCounted;
+  std::function<void()> whenGone;
+
+  [[nodiscard]] ULONG references() const { return references_; }
+
+  STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+    *object = id == IID_IUnknown || id == IID_IDispatch ? this : nullptr;
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
+    static constexpr std::array<const wchar_t*, 4> kNames = {L"Add", L"Remove", L"Count", L"Item"};
+    ids[0] = DISPID_UNKNOWN;
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+      if (_wcsicmp(names[0], kNames[i]) == 0) ids[0] = static_cast<DISPID>(i);
+    }
+    return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
+  }
+  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                      UINT*) override {
+    if (id == 3 && row_ != nullptr) {
+      result->vt = VT_DISPATCH;
+      result->pdispVal = row_;
+      row_->AddRef();
+    }
+    if (id == 2) {
+      if (whenCounted) std::exchange(whenCounted, nullptr)();
+      result->vt = VT_I4;
+      result->lVal = 1;
+    }
+    return S_OK;
+  }
+
+ private:
+  ~OwnList() {
+    if (whenGone) whenGone();
+  }
+
+  IDispatch* row_;
+  ULONG references_ = 1;
+};
+
+std::vector<std::string>& UsedAgain() {
+  static std::vector<std::string> blocks;
+  return blocks;
+}
+
+// Memory that was given back is soon used for something else.
+void UseFreedMemory() {
+  for (std::size_t size = 16; size <= 1024; size += 8) {
+    for (int i = 0; i < 20; ++i) UsedAgain().emplace_back(size, '\xA5');
+  }
+}
+
+bool IsUntouched(const std::string& block) {
+  return block.find_first_not_of('\xA5') == std::string::npos;
 }
 
 void Identity(_cLotrix* service) {
@@ -296,10 +377,189 @@ void Failures(_cLotrix* service, const std::wstring& today) {
   CheckFailure("a key taken", headers->Add(item.get(), key.get()), Plain(457), "Lotrix");
   Variant position(std::int32_t{2});
   CheckFailure("a position outside", headers->Remove(position.get()), Plain(9), "Lotrix");
+  Variant half(L"a\xD800 b");
+  Variant noKey = Missing();
+  CheckFailure("an item that is no Unicode", headers->Add(half.get(), noKey.get()), Plain(5),
+               "Lotrix");
+  Check("it is not added", CountOf(headers.get()), 1L);
   Com<_cLotrix> lost;
   Create(lost, CLSID_cLotrix, IID__cLotrix);
   CheckFailure("no provider", lost->vaccineReferenceTableRead(table.Receive()), Plain(3706), source,
                "Provider cannot be found. It may not be properly installed.");
+}
+
+// A value that no conversion takes, behind texts that do not matter.
+void Unusable(_cLotrix* service) {
+  Variant array;
+  array->vt = VT_ARRAY | VT_I4;
+  array->parray = SafeArrayCreateVector(VT_I4, 0, 3);
+  const Bstr text(L"X");
+  Variant missing = Missing();
+  CheckFailure("an array for an optional text",
+               service->providerShippingDataUpdate(text, text, text, text, text, text, text, text,
+                                                   text, text, text, *array.get(), *missing.get(),
+                                                   *missing.get(), *missing.get()),
+               Plain(13), "Lotrix");
+}
+
+// Where the words leave open whether there is an answer.
+void CheckAnswered(const std::string& name, HRESULT result, const Bstr& text,
+                   const std::string& answer) {
+  Check(name, text.utf8(), FAILED(result) ? "" : answer);
+}
+
+// Lists that take away what they are called for, while they are called.
+void FickleLists(_cLotrix* service) {
+  Com<_cResultSet> read;
+  Com<_Collection> rows;
+  Variant row;
+  Variant first(std::int32_t{1});
+  Need(service->inventoryOnHandRead(Bstr(L"D00001"), Bstr(L"DTAP"), read.Receive()), "a read");
+  Need(read->get_Data(rows.Receive()), "its data");
+  Need(rows->get_Item(first.get(), row.Receive()), "a row");
+  auto* const list = new OwnList(row->pdispVal);
+  LONG one = 1;
+  Bstr text;
+  {
+    Com<_cResultSet> table;
+    Create(table, CLSID_cResultSet, IID__cResultSet);
+    const auto letGo = [&] {
+      table->putref_Data(nullptr);
+      UseFreedMemory();
+    };
+    Need(table->putref_Data(list), "a list");
+    list->whenCounted = letGo;
+    CheckAnswered("read from a list let go", table->GetValue(&one, &one, text.Receive()), text,
+                  "DTAP");
+    Check("the list is let go", list->references(), 1UL);
+    Need(table->putref_Data(list), "a list again");
+    list->whenCounted = letGo;
+    Bstr value(L"changed");
+    BSTR raw = value;
+    const bool set = SUCCEEDED(table->SetValue(&one, &one, &raw));
+    Check("set in a list let go", Cell(read.get(), 1, 1), set ? "changed" : "DTAP");
+    Check("the list is let go again", list->references(), 1UL);
+  }
+  _cResultSet* table = nullptr;
+  Need(CoCreateInstance(CLSID_cResultSet, nullptr, CLSCTX_INPROC_SERVER, IID__cResultSet,
+                        reinterpret_cast<void**>(&table)),
+       "a table");
+  Need(table->putref_Data(list), "a list");
+  list->whenCounted = [&] {
+    std::exchange(table, nullptr)->Release();
+    UseFreedMemory();
+  };
+  CheckAnswered("read from a table let go", table->GetValue(&one, &one, text.Receive()), text,
+                Cell(read.get(), 1, 1));
+  Check("the table is let go", table == nullptr, true);
+  Check("and its list", list->references(), 1UL);
+  list->Release();
+}
+
+// An item that, when it goes, fills the collection that it stood in.
+void Reentrant(_cLotrix* service) {
+  for (const wchar_t* key : {L"7", L"leaver"}) {
+    Com<_cResultSet> table;
+    Com<_Collection> headers;
+    Need(service->inventoryOnHandRead(Bstr(L"D00001"), Bstr(L"DTAP"), table.Receive()), "a read");
+    Need(table->get_Headers(headers.Receive()), "headers");
+    Variant none = Missing();
+    Variant name{std::wstring_view(key)};
+    auto* const leaver = new OwnList();
+    leaver->whenGone = [&] {
+      for (int i = 1; i <= 100; ++i) {
+        Variant item(L"late " + std::to_wstring(i));
+        headers->Add(item.get(), none.get());
+      }
+      UseFreedMemory();
+    };
+    {
+      Variant item(leaver);
+      Need(headers->Add(item.get(), name.get()), "an item");
+    }
+    leaver->Release();
+    CheckResult("an item that fills as it goes", headers->Remove(name.get()));
+    Check("nothing is written where the list stood",
+          std::all_of(UsedAgain().begin(), UsedAgain().end(), IsUntouched), true);
+    Check("filled", CountOf(headers.get()), 106L);
+    Check("what stood in front", ItemText(headers.get(), Variant(std::int32_t{6})), "size");
+    Check("the first that came", ItemText(headers.get(), Variant(std::int32_t{7})), "late 1");
+    Check("the last that came", ItemText(headers.get(), Variant(std::int32_t{106})), "late 100");
+  }
+}
+
+// What a caller's variable holds before a call.
+template <class Pointer>
+Pointer Leftover() {
+  return reinterpret_cast<Pointer>(std::uintptr_t{0x5A5A5A58});
+}
+
+void AfterFailures(_cLotrix* service) {
+  LONG one = 1;
+  LONG beyond = 9999;
+  Com<_cResultSet> table;
+  Com<_Collection> headers;
+  Need(service->vaccineReferenceTableRead(table.Receive()), "a read");
+  Need(table->get_Headers(headers.Receive()), "headers");
+  auto text = Leftover<BSTR>();
+  CheckResult("a row too far", table->GetValue(&beyond, &one, &text), Rule(50000));
+  Check("no text", text == nullptr, true);
+  text = Leftover<BSTR>();
+  CheckResult("no row", table->GetValue(nullptr, &one, &text), E_POINTER);
+  Check("no text either", text == nullptr, true);
+  Variant key(L"no such");
+  VARIANT item;
+  item.vt = VT_I4;
+  item.lVal = 7;
+  CheckResult("a missing key", headers->get_Item(key.get(), &item), Plain(5));
+  Check("no item", item.vt, VT_EMPTY);
+  auto* const list = new OwnList();
+  Need(table->putref_Data(list), "a list");
+  list->Release();
+  auto* data = Leftover<_Collection*>();
+  CheckFailure("a list as a collection of ours", table->get_Data(&data), Plain(13), "Lotrix");
+  Check("no collection", data == nullptr, true);
+  auto* result = Leftover<_cResultSet*>();
+  CheckResult("a refused read", service->inventoryOnHandRead(nullptr, nullptr, &result),
+              Plain(20022));
+  Check("no table", result == nullptr, true);
+  Com<_cLotrix> lost;
+  Create(lost, CLSID_cLotrix, IID__cLotrix);
+  auto* connection = Leftover<IDispatch*>();
+  CheckResult("no provider", lost->get_Connection(&connection), Plain(3706));
+  Check("no connection", connection == nullptr, true);
+}
+
+void Nowhere(_cLotrix* service) {
+  LONG one = 1;
+  Com<_cResultSet> table;
+  Com<_Collection> headers;
+  Com<IUnknown> unknown;
+  Com<IEnumVARIANT> each;
+  Need(service->vaccineReferenceTableRead(table.Receive()), "a read");
+  Need(table->get_Headers(headers.Receive()), "headers");
+  Need(headers->get__NewEnum(unknown.Receive()), "an enumerator");
+  Need(unknown->QueryInterface(IID_IEnumVARIANT, each.ReceiveAny()), "an enumerator");
+  Variant first(std::int32_t{1});
+  CheckResult("nowhere to put the rows", table->get_Rows(nullptr), E_POINTER);
+  CheckResult("nor the columns", table->get_Cols(nullptr), E_POINTER);
+  CheckResult("nor the data", table->get_Data(nullptr), E_POINTER);
+  CheckResult("nor the headers", table->get_Headers(nullptr), E_POINTER);
+  CheckResult("nor a cell", table->GetValue(&one, &one, nullptr), E_POINTER);
+  CheckResult("nor an item", headers->get_Item(first.get(), nullptr), E_POINTER);
+  CheckResult("nor the count", headers->get_Count(nullptr), E_POINTER);
+  CheckResult("nor an enumerator", headers->get__NewEnum(nullptr), E_POINTER);
+  CheckResult("nor its copy", each->Clone(nullptr), E_POINTER);
+}
+
+// Only when every object of the server was let go.
+void NothingLeft() {
+  const HMODULE server = GetModuleHandleW(L"Lotrix.dll");
+  if (server == nullptr) return Need(E_FAIL, "the server");
+  using CanUnload = HRESULT(WINAPI*)();
+  const auto canUnload = reinterpret_cast<CanUnload>(
+      reinterpret_cast<void*>(GetProcAddress(server, "DllCanUnloadNow")));
+  CheckResult("nothing left alive", canUnload());
 }
 
 }  // namespace
@@ -318,9 +578,15 @@ int wmain(int count, wchar_t** arguments) {
     Reads(service.get());
     Tables(service.get());
     Failures(service.get(), today);
+    Unusable(service.get());
+    FickleLists(service.get());
+    Reentrant(service.get());
+    AfterFailures(service.get());
+    Nowhere(service.get());
     CheckResult("message", service->CheckVaccActive(Bstr(L"DTAP")));
     CheckResult("close", service->closeConnection());
   }
+  NothingLeft();
   CoUninitialize();
-  return lotrix_client::Finish(76);
+  return lotrix_client::Finish(120);
 }

@@ -59,7 +59,12 @@ service.Connection.Execute "SELECT nothing FROM provider"
 CheckFailureSays "unknown column", &H80040E14, "Lotrix", ""
 service.Connection.Execute "SELECT pin FROM nowhere"
 CheckFailureSays "unknown table", &H80040E37, "Lotrix", ""
-Dim other
+Dim records, other
+Set records = service.Connection.Execute("SELECT pin FROM provider")
+nothingYet = records.EOF(1)
+CheckFailureSays "an argument for a property without", 450, "Lotrix", ""
+records.Close
+Set records = Nothing
 Set other = CreateObject("Lotrix.cLotrix")
 other.openConnection "Provider=SQLite;Data Source=" & outputFolder & "\nowhere\no.db"
 other.vaccineReferenceTableRead
@@ -163,4 +168,4 @@ Err.Clear
 Set table = service.vaccineReferenceTableRead()
 CheckNoFailure "after failures"
 Check "read after failures", table.Rows > 3, True
-Finish 61
+Finish 62

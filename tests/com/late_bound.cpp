@@ -292,6 +292,99 @@ void Properties(IDispatch* table) {
   CheckText("rows again", Call(table, kRows), "19");
 }
 
+// Whatever the failure is.
+void CheckRefused(const std::string& name, IDispatch* object, DISPID id, DISPPARAMS parameters) {
+  Variant value;
+  const HRESULT result = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kCall, &parameters,
+                                        value.Receive(), nullptr, nullptr);
+  Check(name, FAILED(result), true);
+}
+
+// What no compiler makes, but any program can send.
+void Unsound(IDispatch* service, IDispatch* table) {
+  Variant depot(L"D00001");
+  Variant vaccine(L"DTAP");
+  std::array<VARIANT, 2> backwards = {*vaccine.get(), *depot.get()};
+  std::array<DISPID, 2> named = {1, 0};
+  const DISPPARAMS both = {backwards.data(), named.data(), 2, 2};
+  DISPPARAMS parameters = both;
+  parameters.cArgs = 1;
+  CheckRefused("more names than arguments", service, kInventoryOnHandRead, parameters);
+  parameters.cArgs = 0;
+  parameters.rgvarg = nullptr;
+  CheckRefused("names of no arguments", service, kInventoryOnHandRead, parameters);
+  parameters = {nullptr, nullptr, 2, 0};
+  CheckRefused("arguments that are nowhere", service, kInventoryOnHandRead, parameters);
+  parameters.cArgs = 1;
+  CheckRefused("arguments that are nowhere, of a property", table, kHeaders, parameters);
+  parameters = both;
+  parameters.rgdispidNamedArgs = nullptr;
+  CheckRefused("names that are nowhere", service, kInventoryOnHandRead, parameters);
+  std::array<wchar_t*, 2> names = {nullptr, nullptr};
+  std::array<DISPID, 2> ids = {};
+  const auto idsOf = [&](UINT count) {
+    return service->GetIDsOfNames(IID_NULL, names.data(), count, LOCALE_USER_DEFAULT, ids.data());
+  };
+  Check("no member's name", FAILED(idsOf(1)), true);
+  names[0] = const_cast<wchar_t*>(L"inventoryOnHandRead");
+  Check("no argument's name", FAILED(idsOf(2)), true);
+  // The value of an assignment has this name, an argument never.
+  std::vector<Variant> given = Arguments(1, 1);
+  CheckFailed("an argument named as a value",
+              Invoke(table, kGetValue, DISPATCH_METHOD, given, {DISPID_PROPERTYPUT}), Plain(448),
+              "Lotrix");
+}
+
+void ReferringToNothing(IDispatch* table) {
+  for (const VARTYPE type : {VT_I4, VT_BSTR, VT_VARIANT, VT_DISPATCH, VT_DECIMAL}) {
+    std::vector<Variant> given;
+    given.push_back(Referring<void>(type, nullptr));
+    given.push_back(Variant(std::int32_t{1}));
+    CheckFailed("a reference to nothing, type " + std::to_string(type),
+                Invoke(table, kGetValue, DISPATCH_METHOD, given), Plain(13), "Lotrix");
+  }
+  std::vector<Variant> row;
+  row.push_back(Referring<void>(VT_DISPATCH, nullptr));
+  CheckFailed("a row that is nowhere", Invoke(table, kAddRow, DISPATCH_METHOD, row), Plain(13),
+              "Lotrix");
+}
+
+Variant Unknown(IUnknown* object) {
+  Variant value;
+  value->vt = VT_UNKNOWN;
+  value->punkVal = object;
+  object->AddRef();
+  return value;
+}
+
+void UnknownObjects(IDispatch* table) {
+  Com<IDispatch> other;
+  Need(CoCreateInstance(CLSID_cResultSet, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                        other.ReceiveAny()),
+       "a table");
+  Answer data = Call(table, kData);
+  std::vector<Variant> value;
+  value.push_back(Unknown(data.value->pdispVal));
+  CheckResult(
+      "data of no known interface",
+      Invoke(other.get(), kData, DISPATCH_PROPERTYPUTREF, value, {DISPID_PROPERTYPUT}).result);
+  const auto holdsData = [&] {
+    Answer held = Call(other.get(), kData);
+    return held.value->vt == VT_DISPATCH && held.value->pdispVal == data.value->pdispVal;
+  };
+  Check("the same data", holdsData(), true);
+  Com<IClassFactory> factory;
+  Need(CoGetClassObject(CLSID_cResultSet, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                        factory.ReceiveAny()),
+       "an object that is not for scripts");
+  value.clear();
+  value.push_back(Unknown(factory.get()));
+  CheckFailed("an object that is not for scripts",
+              Invoke(other.get(), kData, DISPATCH_PROPERTYPUTREF, value, {DISPID_PROPERTYPUT}),
+              Plain(13), "Lotrix");
+  Check("the data stays", holdsData(), true);
+}
+
 void Collections(IDispatch* service) {
   Answer table = Call(service, kInventoryOnHandRead, L"D00001");
   Answer headers = Call(table.value->pdispVal, kHeaders);
@@ -375,6 +468,28 @@ void ProgIds() {
               REGDB_E_CLASSNOTREG);
 }
 
+// A client that begins and ends COM for each of its calls, here one that fails.
+bool CallAndLeave() {
+  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return false;
+  bool failed = false;
+  {
+    Com<IDispatch> service;
+    failed = SUCCEEDED(CoCreateInstance(CLSID_cLotrix, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                                        service.ReceiveAny())) &&
+             Call(service.get(), kVaccineReferenceTableRead).result == DISP_E_EXCEPTION;
+  }
+  CoUninitialize();
+  return failed;
+}
+
+// Oftener than a process has thread-local slots.
+void ComingAndGoing() {
+  constexpr int kTimes = 1200;
+  int times = 0;
+  while (times < kTimes && CallAndLeave()) ++times;
+  Check("coming and going", times, kTimes);
+}
+
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
@@ -396,10 +511,14 @@ int wmain(int count, wchar_t** arguments) {
     Counts(service.get());
     ByReference(table.get());
     Properties(table.get());
+    Unsound(service.get(), table.get());
+    ReferringToNothing(table.get());
+    UnknownObjects(table.get());
     Collections(service.get());
     ProgIds();
   }
   if (server != nullptr) Factories(server);
   CoUninitialize();
-  return lotrix_client::Finish(106);
+  ComingAndGoing();
+  return lotrix_client::Finish(141);
 }
