@@ -16,20 +16,24 @@ constexpr EngineWords kWords = {.truth = "TRUE", .falsehood = "FALSE", .numbersP
 constexpr std::string_view kCompared = " AS bpchar)";
 constexpr std::string_view kComparedByBytes = " AS bpchar) COLLATE \"C\"";
 
-// A table of the statement, by the name that its columns are qualified with.
+// A table of the statement, by the name that its columns are qualified with. A query
+// in its place has no table's name.
 struct Source {
   std::string table;
   std::string alias;
   std::size_t select;  // where the SELECT is that reads it
 };
 
-enum class Clause { kOther, kList, kFrom, kSet, kCondition, kGroup, kOrder };
+enum class Clause { kOther, kList, kFrom, kSet, kCondition, kGroup, kHaving, kOrder };
 
 // What is being read between two parentheses, or outside all of them.
 struct Level {
   Clause clause = Clause::kOther;
   bool inFunction = false;
+  bool inAggregate = false;
+  bool inCondition = false;     // a subquery of one
   bool listIsCompared = false;  // of a SELECT
+  bool isGrouped = false;
   bool isUnion = false;
   bool descending = false;  // of an item of ORDER BY
   std::size_t select = 0;   // where it is
@@ -47,43 +51,6 @@ bool EndsOperand(const Token& token) {
          token.kind == TokenKind::kLogical;
 }
 
-std::vector<Source> SourcesOf(const std::vector<Token>& tokens) {
-  std::vector<Source> sources;
-  struct Open {
-    bool inFrom = false;
-    std::size_t select = 0;
-  };
-  std::vector<Open> levels{{}};  // one for each open parenthesis
-  bool expected = false;
-  for (std::size_t i = 0; i < tokens.size(); ++i) {
-    const Token& token = tokens[i];
-    if (IsName(token) && expected) {
-      expected = false;
-      std::size_t behind = i + 1;
-      if (behind < tokens.size() && IsKeyword(tokens[behind], "AS")) ++behind;
-      const bool renamed = behind < tokens.size() && IsName(tokens[behind]);
-      sources.push_back(
-          {token.content, tokens[renamed ? behind : i].content, levels.back().select});
-    } else if (token.kind == TokenKind::kKeyword) {
-      const bool from = token.content == "FROM" || token.content == "JOIN";
-      expected = from || token.content == "UPDATE" || token.content == "INTO";
-      const bool continues = token.content == "AS" || token.content == "ON" ||
-                             token.content == "INNER" || token.content == "LEFT" ||
-                             token.content == "OUTER" || token.content == "AND";
-      if (!continues) levels.back().inFrom = from;
-      if (token.content == "SELECT") levels.back().select = i;
-    } else if (IsOperator(token, "(")) {
-      expected = false;
-      levels.emplace_back();
-    } else if (IsOperator(token, ")")) {
-      if (levels.size() > 1) levels.pop_back();
-    } else if (IsOperator(token, ",")) {
-      expected = levels.back().inFrom;
-    }
-  }
-  return sources;
-}
-
 // For each opening parenthesis where it is closed: at the last token when it is not,
 // which the engine will say.
 std::vector<std::size_t> ClosingsOf(const std::vector<Token>& tokens) {
@@ -98,19 +65,68 @@ std::vector<std::size_t> ClosingsOf(const std::vector<Token>& tokens) {
   return closings;
 }
 
+// The name behind an item of FROM that ends there; empty without one.
+std::string AliasBehind(const std::vector<Token>& tokens, std::size_t last) {
+  std::size_t behind = last + 1;
+  if (behind < tokens.size() && IsKeyword(tokens[behind], "AS")) ++behind;
+  return behind < tokens.size() && IsName(tokens[behind]) ? tokens[behind].content : std::string();
+}
+
+std::vector<Source> SourcesOf(const std::vector<Token>& tokens,
+                              const std::vector<std::size_t>& closingOf) {
+  std::vector<Source> sources;
+  struct Open {
+    bool inFrom = false;
+    std::size_t select = 0;
+  };
+  std::vector<Open> levels{{}};  // one for each open parenthesis
+  bool expected = false;
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    const Token& token = tokens[i];
+    if (IsName(token) && expected) {
+      expected = false;
+      std::string alias = AliasBehind(tokens, i);
+      if (alias.empty()) alias = token.content;
+      sources.push_back({token.content, std::move(alias), levels.back().select});
+    } else if (token.kind == TokenKind::kKeyword) {
+      const bool from = token.content == "FROM" || token.content == "JOIN";
+      expected = from || token.content == "UPDATE" || token.content == "INTO";
+      const bool continues = token.content == "AS" || token.content == "ON" ||
+                             token.content == "INNER" || token.content == "LEFT" ||
+                             token.content == "OUTER" || token.content == "AND";
+      if (!continues) levels.back().inFrom = from;
+      if (token.content == "SELECT") levels.back().select = i;
+    } else if (IsOperator(token, "(")) {
+      const bool joins = expected && i + 1 < tokens.size() && IsName(tokens[i + 1]);
+      if (expected && !joins) {
+        sources.push_back({{}, AliasBehind(tokens, closingOf[i]), levels.back().select});
+      }
+      expected = joins;
+      levels.push_back({joins, levels.back().select});
+    } else if (IsOperator(token, ")")) {
+      if (levels.size() > 1) levels.pop_back();
+    } else if (IsOperator(token, ",")) {
+      expected = levels.back().inFrom;
+    }
+  }
+  return sources;
+}
+
 class PostgresqlTranslator final : public Translator {
  public:
   PostgresqlTranslator(std::string_view templateText, const Tables& tables)
       : Translator(ReadTokens(templateText), kWords),
         tables_(tables),
-        sources_(SourcesOf(tokens_)),
         closingOf_(ClosingsOf(tokens_)),
+        sources_(SourcesOf(tokens_, closingOf_)),
         written_(tokens_.size()) {}
 
   Translation Translate(bool locksRows) && {
     Translation translation;
     result_ = &translation;
-    for (const Source& source : sources_) allTables_.insert(source.table);
+    for (const Source& source : sources_) {
+      if (!source.table.empty()) allTables_.insert(source.table);
+    }
     translation.tables.assign(allTables_.begin(), allTables_.end());
     translation.isQuery = IsKeyword(tokens_.front(), "SELECT");
     Walk(translation);
@@ -134,37 +150,43 @@ class PostgresqlTranslator final : public Translator {
     if (IsOperator(tokens_[first], "/")) WrapDivisor();
     if (closes && levels_.size() > 1) levels_.pop_back();
     if (IsOperator(Here(), "(")) {
-      Level inner;
-      inner.clause = level().clause == Clause::kOrder ? Clause::kGroup : level().clause;
-      inner.inFunction = level().inFunction || first != at_;
-      inner.listIsCompared = level().listIsCompared;
-      levels_.push_back(inner);
+      OpenLevel(first == at_ ? std::string_view() : tokens_[first].content);
     }
     translation_->sql += written_[at_];
   }
 
   [[nodiscard]] Level& level() { return levels_.back(); }
 
+  void OpenLevel(std::string_view function) {
+    Level inner = level();
+    // The items of ORDER BY end outside of all parentheses.
+    if (inner.clause == Clause::kOrder) inner.clause = Clause::kGroup;
+    inner.inFunction = inner.inFunction || !function.empty();
+    inner.inAggregate = inner.inAggregate || function == "count" || function == "sum" ||
+                        function == "avg" || function == "max" || function == "min";
+    inner.inCondition =
+        inner.inCondition || inner.clause == Clause::kCondition || inner.clause == Clause::kHaving;
+    inner.isUnion = false;
+    levels_.push_back(inner);
+  }
+
   void EnterClause() {
     const std::string& word = Here().content;
     if (word == "SELECT") {
       RequireItems();
-      // The rows of a subquery are compared with what stands before it.
-      level().listIsCompared = level().clause == Clause::kCondition || ComparesItsRows();
-      level().clause = Clause::kList;
-      level().select = at_;
+      EnterSelect();
     } else if (word == "FROM" || word == "JOIN" || word == "INNER" || word == "LEFT") {
       level().clause = Clause::kFrom;
     } else if (word == "SET") {
       level().clause = Clause::kSet;
-    } else if (word == "WHERE" || word == "ON" || word == "HAVING") {
+    } else if (word == "WHERE" || word == "ON") {
       level().clause = Clause::kCondition;
+    } else if (word == "HAVING") {
+      level().clause = Clause::kHaving;
     } else if (word == "GROUP") {
       level().clause = Clause::kGroup;
     } else if (word == "ORDER") {
       level().clause = Clause::kOrder;
-    } else if (word == "UNION") {
-      level().isUnion = true;
     } else if (word == "INTO" || word == "VALUES") {
       level().clause = Clause::kOther;
     } else if (word == "DESC") {
@@ -182,17 +204,28 @@ class PostgresqlTranslator final : public Translator {
     if (IsOperator(next, ")")) Refuse("A SELECT names no columns.");
   }
 
-  // Whether the SELECT that begins here tells its rows apart.
-  [[nodiscard]] bool ComparesItsRows() {
+  void EnterSelect() {
+    Level& entered = level();
     const bool distinct = at_ + 1 < tokens_.size() && IsKeyword(tokens_[at_ + 1], "DISTINCT");
     if (distinct && levels_.size() == 1) distinctItems_ = CountItems(at_ + 2);
-    if (distinct || level().isUnion) return true;
+    // The rows of a subquery are compared with what stands before it, those of a
+    // union's later parts as those of its first.
+    entered.listIsCompared =
+        distinct || entered.inCondition || (entered.isUnion && entered.listIsCompared);
+    entered.isGrouped = false;
     for (std::size_t i = at_ + 1; i < tokens_.size() && !IsOperator(tokens_[i], ")"); ++i) {
       if (IsOperator(tokens_[i], "(")) i = closingOf_[i];
-      if (IsKeyword(tokens_[i], "UNION")) level().isUnion = true;
-      if (IsKeyword(tokens_[i], "GROUP") || IsKeyword(tokens_[i], "UNION")) return true;
+      const bool isUnion = IsKeyword(tokens_[i], "UNION");
+      if (IsKeyword(tokens_[i], "GROUP") && !entered.isUnion) entered.isGrouped = true;
+      if (isUnion) entered.isUnion = true;
+      const bool tellsApart =
+          isUnion && (i + 1 == tokens_.size() || !IsKeyword(tokens_[i + 1], "ALL"));
+      if (tellsApart || entered.isGrouped) entered.listIsCompared = true;
     }
-    return false;
+    entered.clause = Clause::kList;
+    entered.select = at_;
+    entered.inFunction = false;
+    entered.inAggregate = false;
   }
 
   // How many items a SELECT list has that begins there; none when that cannot be
@@ -226,8 +259,7 @@ class PostgresqlTranslator final : public Translator {
       WrapFunction();
     } else if (IsName(Here())) {
       RequireQualifier();
-      if (BeginsColumn())
-        WrapIfCompared(LastOfOperand(at_), [&] { return IsColumn(at_, Kind::kText); });
+      if (BeginsColumn()) WrapColumn();
     } else if (Here().kind == TokenKind::kText && ComparesLiterals()) {
       Wrap("CAST(", at_, kComparedByBytes);
     }
@@ -240,6 +272,38 @@ class PostgresqlTranslator final : public Translator {
                      [&](const Source& s) { return s.alias == Here().content; })) {
       Refuse("A column is qualified with a name that is none of a table of the statement.");
     }
+  }
+
+  void WrapColumn() {
+    const std::size_t last = LastOfOperand(at_);
+    RequireColumn(last);
+    const bool grouped = level().isGrouped && !level().inAggregate && ReadsRows();
+    if ((grouped || IsCompared(last)) && IsColumn(at_, Kind::kText)) WrapCompared(last);
+  }
+
+  // Whether what stands here is made of rows, and not what chooses them.
+  [[nodiscard]] bool ReadsRows() {
+    return level().clause == Clause::kList || level().clause == Clause::kGroup ||
+           level().clause == Clause::kHaving || level().clause == Clause::kOrder;
+  }
+
+  // The engine takes the name of a table for its whole row, a function's name behind a
+  // table's for its call, and has columns of its own in every table.
+  void RequireColumn(std::size_t last) {
+    if (!ReadsRows() && level().clause != Clause::kCondition && level().clause != Clause::kSet) {
+      return;
+    }
+    const std::string& name = tokens_[last].content;
+    if (!IsName(tokens_[last])) return;
+    if (last == at_) {
+      const bool isTable = std::any_of(sources_.begin(), sources_.end(),
+                                       [&](const Source& s) { return s.alias == name; });
+      const bool isOfEngine = name == "ctid" || name == "xmin" || name == "xmax" ||
+                              name == "cmin" || name == "cmax" || name == "tableoid";
+      if (!isTable && !isOfEngine) return;
+    }
+    const Found found = LookUp(at_);
+    if (found.inAllKnown && !found.found) result_->noColumn = name;
   }
 
   void WrapFunction() {
@@ -256,12 +320,14 @@ class PostgresqlTranslator final : public Translator {
         tokens_[argument].kind == TokenKind::kText) {
       written_[argument] = " COLLATE \"C\"";
     }
-    WrapIfCompared(last, [&] { return GivesText(at_); });
+    if (IsCompared(last) && GivesText(at_)) WrapCompared(last);
   }
 
-  template <class IsText>
-  void WrapIfCompared(std::size_t last, const IsText& isText) {
-    if (!IsCompared(last) || !isText()) return;
+  void WrapCompared(std::size_t last) {
+    const bool isStored = !result_->isQuery && level().clause == Clause::kList &&
+                          !level().inCondition && level().listIsCompared;
+    // What would be stored is the text without its trailing blanks.
+    if (isStored) Refuse("Rows that are told apart cannot be stored at once.");
     Wrap("CAST(", last, HoldsColumn(last) ? kCompared : kComparedByBytes);
   }
 
@@ -320,6 +386,7 @@ class PostgresqlTranslator final : public Translator {
     switch (level().clause) {
       case Clause::kCondition:
       case Clause::kGroup:
+      case Clause::kHaving:
         return true;
       case Clause::kOrder:
         // A union is sorted by the names of its columns alone.
@@ -366,29 +433,41 @@ class PostgresqlTranslator final : public Translator {
     if (!IsOperator(tokens_[star], "*") || EndsOperand(before)) return false;
     result_->asksForColumns = true;
     const std::string_view qualifier = star == at_ ? "" : Here().content;
-    std::string_view separator;
+    std::vector<std::string> items;
     for (const Source& source : sources_) {
+      if (source.select != level().select || (star != at_ && source.alias != qualifier)) continue;
       const auto table = tables_.find(source.table);
-      if (table == tables_.end() || source.select != level().select ||
-          (star != at_ && source.alias != qualifier)) {
-        continue;
-      }
+      // The columns of a query in a table's place are the engine's to find.
+      if (table == tables_.end()) return false;
       for (const TableColumn& column : table->second) {
         const std::string name = '"' + source.alias + "\".\"" + column.name + '"';
-        translation_->sql += separator;
-        Write(column.kind == Kind::kText ? "CAST(" + name + " AS bpchar)" : name);
-        separator = ",";
+        items.push_back(column.kind == Kind::kText ? "CAST(" + name + " AS bpchar)" : name);
       }
     }
-    if (separator.empty()) return false;
+    if (items.empty()) return false;
+    for (const std::string& item : items) {
+      if (&item != &items.front()) translation_->sql += ',';
+      Write(item);
+    }
     at_ = star;
     return true;
   }
 
-  // Whether that is a column of this kind. An unqualified name is looked for in all
-  // tables of the statement.
   [[nodiscard]] bool IsColumn(std::size_t index, Kind kind) {
     if (!IsName(tokens_[index])) return false;
+    const Found found = LookUp(index);
+    return found.found && found.kind == kind;
+  }
+
+  struct Found {
+    bool inAllKnown = true;  // whether all tables that may have it are known
+    bool found = false;
+    Kind kind = Kind::kOther;  // when all tables that have it agree
+  };
+
+  // The column whose name, or qualifier, stands there. An unqualified one is looked
+  // for in all tables of the statement.
+  [[nodiscard]] Found LookUp(std::size_t index) {
     result_->asksForColumns = true;
     const std::size_t last = LastOfOperand(index);
     std::set<std::string> qualified;
@@ -397,27 +476,28 @@ class PostgresqlTranslator final : public Translator {
         if (source.alias == tokens_[index].content) qualified.insert(source.table);
       }
     }
-    const std::set<std::string>& candidates = last == index ? allTables_ : qualified;
-    bool found = false;
-    bool isOfKind = true;
-    for (const std::string& name : candidates) {
+    Found result;
+    for (const std::string& name : last == index ? allTables_ : qualified) {
       const auto table = tables_.find(name);
-      if (table == tables_.end()) continue;
+      if (table == tables_.end()) {
+        result.inAllKnown = false;
+        continue;
+      }
       for (const TableColumn& column : table->second) {
         if (column.name != tokens_[last].content) continue;
-        found = true;
-        isOfKind = isOfKind && column.kind == kind;
+        result.kind = !result.found || result.kind == column.kind ? column.kind : Kind::kOther;
+        result.found = true;
       }
     }
-    if (!found) result_->missesColumn = true;
-    return found && isOfKind;
+    if (!result.found) result_->missesColumn = true;
+    return result;
   }
 
   const Tables& tables_;
+  std::vector<std::size_t> closingOf_;
   std::vector<Source> sources_;
   std::set<std::string> allTables_;
   std::vector<Level> levels_{Level{}};
-  std::vector<std::size_t> closingOf_;
   std::vector<std::string> written_;  // behind each token
   int distinctItems_ = 0;             // of the outermost SELECT, if it is DISTINCT
   Translation* result_ = nullptr;
