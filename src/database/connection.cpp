@@ -120,6 +120,7 @@ void Connection::DropIfLost() noexcept {
 }
 
 void Connection::Drop() noexcept {
+  if (session_ != nullptr) session_->GiveUpCursors();
   for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
   for (Recordset* const recordset : recordsets_) recordset->Drop();
   recordsets_.clear();

@@ -45,6 +45,9 @@ class Session {
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
   virtual void CreateSchema() = 0;
+  // It is about to be closed: the rows of cursors that are still there need not be
+  // read any more.
+  virtual void GiveUpCursors() noexcept {}
   // False once what stands behind it is closed or lost.
   [[nodiscard]] virtual bool IsOpen() const { return true; }
 };

@@ -16,12 +16,16 @@ constexpr EngineWords kWords = {.truth = "TRUE", .falsehood = "FALSE", .numbersP
 constexpr std::string_view kCompared = " AS bpchar)";
 constexpr std::string_view kComparedByBytes = " AS bpchar) COLLATE \"C\"";
 
-// A table of the statement, by the name that its columns are qualified with. A query
-// in its place has no table's name.
+// A table of the statement, by the name that its columns are qualified with, or a query
+// in a table's place.
 struct Source {
-  std::string table;
+  std::string table;  // empty for a query
   std::string alias;
-  std::size_t select;  // where the SELECT is that reads it
+  std::size_t select;                     // where the SELECT is that reads it
+  std::size_t opening = 0;                // where the query's parenthesis is
+  std::vector<TableColumn> columns = {};  // of a query, or of a table that is known
+  bool isKnown = false;
+  bool isRepeated = false;  // the same table stands before
 };
 
 enum class Clause { kOther, kList, kFrom, kSet, kCondition, kGroup, kHaving, kOrder };
@@ -99,7 +103,7 @@ std::vector<Source> SourcesOf(const std::vector<Token>& tokens,
     } else if (IsOperator(token, "(")) {
       const bool joins = expected && i + 1 < tokens.size() && IsName(tokens[i + 1]);
       if (expected && !joins) {
-        sources.push_back({{}, AliasBehind(tokens, closingOf[i]), levels.back().select});
+        sources.push_back({{}, AliasBehind(tokens, closingOf[i]), levels.back().select, i});
       }
       expected = joins;
       levels.push_back({joins, levels.back().select});
@@ -124,10 +128,7 @@ class PostgresqlTranslator final : public Translator {
   Translation Translate(bool locksRows) && {
     Translation translation;
     result_ = &translation;
-    for (const Source& source : sources_) {
-      if (!source.table.empty()) allTables_.insert(source.table);
-    }
-    translation.tables.assign(allTables_.begin(), allTables_.end());
+    FindColumns();
     translation.isQuery = IsKeyword(tokens_.front(), "SELECT");
     Walk(translation);
     if (levels_.back().clause == Clause::kOrder) {
@@ -265,6 +266,25 @@ class PostgresqlTranslator final : public Translator {
     }
   }
 
+  // Whether what stands from there to before `end` is made of whole numbers alone.
+  [[nodiscard]] bool IsWhole(std::size_t first, std::size_t end) {
+    constexpr std::string_view kNotWhole = ".eE";
+    for (std::size_t i = first; i < end; ++i) {
+      const Token& token = tokens_[i];
+      if (IsName(token)) {
+        if (OpensFunction(i) || !IsColumn(i, Kind::kWhole)) return false;
+        i = LastOfOperand(i);
+      } else if (token.kind == TokenKind::kNumber) {
+        const bool isWhole = token.content.front() != Statement::kMark &&
+                             token.content.find_first_of(kNotWhole) == std::string::npos;
+        if (!isWhole) return false;
+      } else if (token.kind != TokenKind::kOperator) {
+        return false;
+      }
+    }
+    return first < end;
+  }
+
   // What the engine says of such a name would pass for a missing table.
   void RequireQualifier() const {
     if (at_ + 1 == tokens_.size() || !IsOperator(tokens_[at_ + 1], ".")) return;
@@ -312,10 +332,7 @@ class PostgresqlTranslator final : public Translator {
     const std::size_t argument = at_ + 2;
     if (name == "avg") Wrap("CAST(", last, " AS double precision)");
     // The engine's own sum of whole numbers would divide with a fraction.
-    const bool ofColumn = argument < tokens_.size() && LastOfOperand(argument) + 1 == last;
-    if (name == "sum" && ofColumn && IsColumn(argument, Kind::kWhole)) {
-      Wrap("CAST(", last, " AS bigint)");
-    }
+    if (name == "sum" && IsWhole(argument, last)) Wrap("CAST(", last, " AS bigint)");
     if ((name == "upper" || name == "lower") && argument < tokens_.size() &&
         tokens_[argument].kind == TokenKind::kText) {
       written_[argument] = " COLLATE \"C\"";
@@ -404,10 +421,16 @@ class PostgresqlTranslator final : public Translator {
   }
 
   // A comparison without any column has nothing to tell its texts' type.
-  [[nodiscard]] bool ComparesLiterals() const {
+  [[nodiscard]] bool ComparesLiterals() {
     if (BehindIsRange(at_)) return true;
-    return at_ + 2 < tokens_.size() && IsComparison(tokens_[at_ + 1]) &&
-           tokens_[at_ + 2].kind == TokenKind::kText;
+    std::size_t behind = at_ + 1;
+    while (behind < tokens_.size() && IsOperator(tokens_[behind], ")")) ++behind;
+    if (behind == tokens_.size() || !IsComparison(tokens_[behind])) return false;
+    do {
+      ++behind;
+    } while (behind < tokens_.size() && IsOperator(tokens_[behind], "("));
+    return behind < tokens_.size() && tokens_[behind].kind == TokenKind::kText &&
+           !level().inFunction && BehindIsComparison(at_);
   }
 
   [[nodiscard]] bool GivesText(std::size_t index) {
@@ -436,10 +459,8 @@ class PostgresqlTranslator final : public Translator {
     std::vector<std::string> items;
     for (const Source& source : sources_) {
       if (source.select != level().select || (star != at_ && source.alias != qualifier)) continue;
-      const auto table = tables_.find(source.table);
-      // The columns of a query in a table's place are the engine's to find.
-      if (table == tables_.end()) return false;
-      for (const TableColumn& column : table->second) {
+      if (!source.isKnown) return false;
+      for (const TableColumn& column : source.columns) {
         const std::string name = '"' + source.alias + "\".\"" + column.name + '"';
         items.push_back(column.kind == Kind::kText ? "CAST(" + name + " AS bpchar)" : name);
       }
@@ -451,6 +472,66 @@ class PostgresqlTranslator final : public Translator {
     }
     at_ = star;
     return true;
+  }
+
+  // Finds what is known of every source's columns; of nested queries the inner ones
+  // first, which stand behind.
+  void FindColumns() {
+    std::set<std::string> seen;
+    for (Source& source : sources_) {
+      if (source.table.empty()) continue;
+      source.isRepeated = !seen.insert(source.table).second;
+      const auto table = tables_.find(source.table);
+      if (table == tables_.end()) continue;
+      source.isKnown = true;
+      source.columns = table->second;
+    }
+    result_->tables.assign(seen.begin(), seen.end());
+    for (auto source = sources_.rbegin(); source != sources_.rend(); ++source) {
+      if (source->table.empty()) FindItems(*source);
+    }
+  }
+
+  // The columns of a query in a table's place are the items of its SELECT.
+  void FindItems(Source& source) {
+    std::size_t first = source.opening + 1;
+    const std::size_t end = closingOf_[source.opening];
+    const std::size_t select = first;
+    if (first >= end || !IsKeyword(tokens_[first], "SELECT")) return;
+    ++first;
+    if (IsKeyword(tokens_[first], "DISTINCT") || IsKeyword(tokens_[first], "ALL")) ++first;
+    source.isKnown = true;
+    for (std::size_t i = first; i < end && source.isKnown; ++i) {
+      if (IsOperator(tokens_[i], "(")) i = closingOf_[i];
+      const bool isLast = i + 1 >= end || IsKeyword(tokens_[i + 1], "FROM");
+      if (!isLast && !IsOperator(tokens_[i + 1], ",")) continue;
+      AddItem(source, select, first, i);
+      if (isLast) return;
+      first = i + 2;
+      ++i;
+    }
+  }
+
+  void AddItem(Source& source, std::size_t select, std::size_t first, std::size_t last) {
+    if (IsOperator(tokens_[last], "*") && (first == last || LastOfOperand(first) == last)) {
+      for (const Source& inner : sources_) {
+        if (inner.select != select) continue;
+        if (first != last && inner.alias != tokens_[first].content) continue;
+        source.isKnown = source.isKnown && inner.isKnown;
+        source.columns.insert(source.columns.end(), inner.columns.begin(), inner.columns.end());
+      }
+      return;
+    }
+    if (!IsName(tokens_[last])) return;  // without a name it cannot be spoken of
+    const std::size_t operand = LastOfOperand(first);
+    // Behind a single operand there is nothing but its alias.
+    const bool isSingle = operand == last || operand + 1 == last ||
+                          (operand + 2 == last && IsKeyword(tokens_[operand + 1], "AS"));
+    const Kind kind = !isSingle                       ? Kind::kOther
+                      : GivesText(first)              ? Kind::kText
+                      : IsColumn(first, Kind::kWhole) ? Kind::kWhole
+                                                      : Kind::kOther;
+    source.columns.push_back({tokens_[last].content, kind});
   }
 
   [[nodiscard]] bool IsColumn(std::size_t index, Kind kind) {
@@ -470,20 +551,11 @@ class PostgresqlTranslator final : public Translator {
   [[nodiscard]] Found LookUp(std::size_t index) {
     result_->asksForColumns = true;
     const std::size_t last = LastOfOperand(index);
-    std::set<std::string> qualified;
-    if (last != index) {
-      for (const Source& source : sources_) {
-        if (source.alias == tokens_[index].content) qualified.insert(source.table);
-      }
-    }
     Found result;
-    for (const std::string& name : last == index ? allTables_ : qualified) {
-      const auto table = tables_.find(name);
-      if (table == tables_.end()) {
-        result.inAllKnown = false;
-        continue;
-      }
-      for (const TableColumn& column : table->second) {
+    for (const Source& source : sources_) {
+      if (last == index ? source.isRepeated : source.alias != tokens_[index].content) continue;
+      if (!source.isKnown) result.inAllKnown = false;
+      for (const TableColumn& column : source.columns) {
         if (column.name != tokens_[last].content) continue;
         result.kind = !result.found || result.kind == column.kind ? column.kind : Kind::kOther;
         result.found = true;
@@ -496,7 +568,6 @@ class PostgresqlTranslator final : public Translator {
   const Tables& tables_;
   std::vector<std::size_t> closingOf_;
   std::vector<Source> sources_;
-  std::set<std::string> allTables_;
   std::vector<Level> levels_{Level{}};
   std::vector<std::string> written_;  // behind each token
   int distinctItems_ = 0;             // of the outermost SELECT, if it is DISTINCT

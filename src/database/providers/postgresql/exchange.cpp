@@ -79,6 +79,7 @@ void Exchange::AddExecution(const std::string& name, const Arguments& arguments)
 
 void Exchange::AddDescription(const std::string& name) {
   RequireSent(PQsendDescribePrepared(link_.get(), name.c_str()));
+  givesRows_ = false;
 }
 
 Result Exchange::Send() {
@@ -88,7 +89,7 @@ Result Exchange::Send() {
     if (IsFailure(answer)) return answer;
     static_cast<void>(Read());  // nothing stands between two answers
   }
-  PQsetSingleRowMode(link_.get());
+  if (givesRows_ && PQsetSingleRowMode(link_.get()) != 1) Lose(nullptr);
   Result answer = Read();
   if (!IsFailure(answer)) ++succeeded_;
   return answer;
@@ -198,14 +199,14 @@ void Exchange::Rollback() {
   if (IsFailure(answer)) RaisePostgresqlError(answer.get());
 }
 
-Result Exchange::RunText(const std::string& sql) {
+Result Exchange::RunText(const std::string& sql, bool changes) {
   RequireOpen();
-  inDoubt_ = true;
+  inDoubt_ = changes;
   Result answer(PQexec(link_.get(), sql.c_str()));
   if (answer == nullptr || EndsSession(answer.get()) || PQstatus(link_.get()) == CONNECTION_BAD) {
     Lose(answer.get());
   }
-  return IsFailure(answer) ? std::move(answer) : nullptr;
+  return answer;
 }
 
 Result Exchange::RunAlone(const char* command) {
@@ -233,6 +234,7 @@ void Exchange::RequireOpen() {
 void Exchange::RequireSent(int sent) {
   if (sent != 1) Lose(nullptr);
   ++added_;
+  givesRows_ = true;
 }
 
 Result Exchange::Read() {

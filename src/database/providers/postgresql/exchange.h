@@ -66,8 +66,11 @@ class Exchange {
   void Commit();
   void Rollback();
 
-  // Several statements in one text, all or none of them. Gives the failure, if any.
-  Result RunText(const std::string& sql);
+  // Several statements in one text, all or none of them; the answer is the last one's,
+  // or the failure.
+  Result RunText(const std::string& sql, bool changes);
+  // What is under way need not come to its end.
+  void Close() { link_.reset(); }
 
  private:
   enum class Transaction { kNone, kWanted, kOpen };
@@ -95,6 +98,7 @@ class Exchange {
   bool hasSavepoint_ = false;
   bool inDoubt_ = false;
   int added_ = 0;
+  bool givesRows_ = false;  // the last one added may
   int succeeded_ = 0;
 };
 

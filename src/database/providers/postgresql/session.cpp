@@ -186,6 +186,18 @@ bool IsRaceOfSchemas(std::string_view sqlState) {
          sqlState == "40P01";
 }
 
+// The tables and indexes that the schema's text makes.
+Names NamesInSchema() {
+  constexpr std::string_view kBefore = " IF NOT EXISTS ";
+  Names names;
+  std::string_view rest = kPostgresqlSchema;
+  for (std::size_t at = rest.find(kBefore); at != std::string_view::npos; at = rest.find(kBefore)) {
+    rest.remove_prefix(at + kBefore.size());
+    names.emplace_back(rest.substr(0, rest.find(' ')));
+  }
+  return names;
+}
+
 // Texts are left to the server, which knows what they are compared with or stored
 // into. A number of any other type than the column's would cost it its index.
 void WriteArguments(const std::vector<StatementParameter>& parameters,
@@ -239,6 +251,10 @@ class PostgresqlSession final : public Session {
   }
 
   [[nodiscard]] bool IsOpen() const override { return line_->exchange.IsOpen(); }
+  void GiveUpCursors() noexcept override {
+    line_->reader = nullptr;
+    line_->exchange.Close();
+  }
 
   void Begin() override { line_->exchange.BeginTransaction(); }
   void Commit() override {
@@ -256,17 +272,30 @@ class PostgresqlSession final : public Session {
     constexpr auto kPause = std::chrono::milliseconds(20);
     line_->EndReading();
     tables_.clear();
+    if (HasSchema()) return;
     for (int tries = 1;; ++tries) {
-      const Result failure = line_->exchange.RunText(std::string(kPostgresqlSchema));
-      if (failure == nullptr) return;
-      if (tries == kMostTries || !IsRaceOfSchemas(SqlState(failure.get()))) {
-        RaisePostgresqlError(failure.get());
+      const Result answer = line_->exchange.RunText(std::string(kPostgresqlSchema), true);
+      if (!IsFailure(answer)) return;
+      if (tries == kMostTries || !IsRaceOfSchemas(SqlState(answer.get()))) {
+        RaisePostgresqlError(answer.get());
       }
       std::this_thread::sleep_for(tries * kPause);
     }
   }
 
  private:
+  // Making what is there already would wait for all who write.
+  bool HasSchema() {
+    const Names names = NamesInSchema();
+    std::string query =
+        "SELECT count(*) FROM pg_catalog.pg_class WHERE relnamespace = (SELECT oid FROM "
+        "pg_catalog.pg_namespace WHERE nspname = current_schema()) AND relname IN ('";
+    for (const std::string& name : names) query += name + "', '";
+    const Result answer = line_->exchange.RunText(query + "')", false);
+    if (IsFailure(answer)) RaisePostgresqlError(answer.get());
+    return PQgetvalue(answer.get(), 0, 0) == std::to_string(names.size());
+  }
+
   // Kept by the template and the kinds of its numbers, which the server's one is
   // made for.
   std::shared_ptr<PreparedStatement> Take(const Statement& statement) {
