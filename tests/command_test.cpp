@@ -27,6 +27,7 @@
 #include <vector>
 
 #include "tests/support/engine.h"
+#include "tests/support/engine_postgresql.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
@@ -1303,6 +1304,82 @@ TEST_F(CommandTest, DemoShowsAWorkingDayOnADatabaseOfItsOwn) {
   EXPECT_NE(outcome.out.find("Begin: "), std::string::npos);
   EXPECT_NE(outcome.out.find("Problem: In "), std::string::npos);
   EXPECT_EQ(Query(tables), before);
+}
+
+// --- On a server -------------------------------------------------------------
+
+class PostgresqlCommandTest : public CommandTest {
+ protected:
+  Outcome RunHere(const Texts& arguments, const std::string& input = {}) {
+    return Run(arguments, input, {{"LOTRIX_CONNECTION", database_.ConnectionString()}});
+  }
+  // As a database is before its first init.
+  void TakeTheTablesAway() {
+    database_.Execute("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
+  }
+  PostgresqlDatabase& database() { return database_; }
+
+ private:
+  PostgresqlDatabase database_;
+};
+
+TEST_F(PostgresqlCommandTest, InitMakesEmptyTablesAndAgainIsHarmless) {
+  const Texts expected = database().TableNames();
+  EXPECT_EQ(expected.size(), 18U);
+  TakeTheTablesAway();
+  for (int times = 0; times < 2; ++times) {
+    const Outcome outcome = RunHere({"init"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err.find("NOTICE"), std::string::npos) << outcome.err;
+    EXPECT_EQ(database().TableNames(), expected);
+    EXPECT_EQ(database().Query("SELECT count(*) FROM provider"), (std::vector<Row>{{"0"}}));
+  }
+  EXPECT_FALSE(std::filesystem::exists(Path("lotrix.db")));
+}
+
+TEST_F(PostgresqlCommandTest, InitAddsTheSampleDataOnceOnly) {
+  TakeTheTablesAway();
+  EXPECT_EQ(RunHere({"init", "--sample"}).exitCode, 0);
+  const std::vector<Row> counts =
+      database().Query("SELECT count(*), count(DISTINCT pin) FROM provider");
+  EXPECT_NE(counts, (std::vector<Row>{{"0", "0"}}));
+  static_cast<void>(RunHere({"init", "--sample"}));
+  EXPECT_EQ(database().Query("SELECT count(*), count(DISTINCT pin) FROM provider"), counts);
+  const Outcome read = RunHere({"call", "inventoryOnHandRead", "aDepotPIN=D00001"});
+  EXPECT_EQ(read.exitCode, 0) << read.err;
+  EXPECT_NE(read.out, "");
+}
+
+TEST_F(PostgresqlCommandTest, ABatchIsAnswered) {
+  database().Execute(
+      "INSERT INTO pvaccref (vaccine, locactiv) VALUES ('DTAP', (1 = 0)), ('OLD', (1 = 1));"
+      "INSERT INTO stock (pin, datein, doses, lot, vaccine, expiry, tracking) VALUES "
+      "('P1', '2004-03-07', 12, 'AB-1', 'DTAP', '2005-12-31', 'T1')");
+  const std::vector<Json> answers =
+      Answers(RunHere({"batch"}, Request("CheckVaccActive", {{"aVaccine", "DTAP"}}) + "\n" +
+                                     Request("stockTableRead", {{"aPIN", "P1"}}) + "\n" +
+                                     Request("CheckVaccActive", {{"aVaccine", "O'LD"}}) + "\n"));
+  ASSERT_EQ(answers.size(), 3U);
+  EXPECT_EQ(answers[0], kActive);
+  EXPECT_EQ(answers[1].at("result"),
+            (Json{{"headers", {"pin", "datein", "doses", "lot", "vaccine", "maker", "expiry"}},
+                  {"rows", {{"P1", "03/07/2004", "12", "AB-1", "DTAP", nullptr, "12/31/2005"}}}}));
+  ExpectRefusal(answers[2], Hex(0x80040E14U), 1, "LOTRIX DLL");
+  EXPECT_EQ(exitCode(), 1);
+}
+
+TEST_F(PostgresqlCommandTest, AServerThatIsNotThereIsFour) {
+  const Texts connection{"--connection", "Provider=PostgreSQL;Host=" + Path("nowhere") +
+                                             ";Database=x;User ID=clerk;Password=s3cret"};
+  for (const Texts& command : {Texts{"init"}, Texts{"call", "vaccineReferenceTableRead"},
+                               Texts{"call", "vaccineReferenceTableRead", "--json"}}) {
+    Texts arguments = connection;
+    arguments.insert(arguments.end(), command.begin(), command.end());
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.exitCode, 4) << Json(command);
+    EXPECT_EQ((outcome.out + outcome.err + Content(LogPath())).find("s3cret"), std::string::npos);
+  }
 }
 
 }  // namespace

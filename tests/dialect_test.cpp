@@ -489,6 +489,27 @@ TEST_F(DialectTest, AStoredTextIsStoredAsGiven) {
             (std::vector<Row>{{" x   ", "y  "}}));
 }
 
+// An engine may refuse to store what it has told apart, but not change it.
+TEST_F(DialectTest, ATextOutOfAQueryIsStoredAsItStandsThere) {
+  Execute("INSERT INTO stock (pin, lot) VALUES ('A1  ', '1'), ('A1  ', '2'), (' B ', '3')");
+  for (const std::string query :
+       {"SELECT DISTINCT pin FROM stock", "SELECT pin FROM stock GROUP BY pin",
+        "SELECT pin FROM stock UNION SELECT pin FROM stock",
+        "SELECT pin FROM stock WHERE lot <> '2'"}) {
+    db().Execute("DELETE FROM lots");
+    try {
+      db().Execute("INSERT INTO lots (pin) " + query);
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), kRefused) << query;
+      EXPECT_EQ(Query("SELECT pin FROM lots"), std::vector<Row>{}) << query;
+      continue;
+    }
+    EXPECT_EQ(Query("SELECT pin FROM lots ORDER BY pin"), (std::vector<Row>{{" B "}, {"A1  "}}))
+        << query;
+  }
+  EXPECT_EQ(Query("SELECT count(*) FROM lots"), (std::vector<Row>{{"2"}}));
+}
+
 TEST_F(DialectTest, DigitsBetweenApostrophesAreStoredAsThatText) {
   const std::string lot = "007";
   Statement insert;

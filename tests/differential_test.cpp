@@ -310,6 +310,15 @@ TEST_F(PostgresqlDifferentialStatements, QueriesAreAnsweredAlike) {
         "AND v.locactiv = .F. ORDER BY s.lot, v.cost",
         "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = 'DISTRIB' ",
         "SELECT pin AS p, doses AS Number FROM stock ORDER BY lot",
+        "SELECT x.lot FROM (SELECT lot FROM stock) x ORDER BY x.lot",
+        "SELECT count(*) FROM (SELECT pin AS q FROM stock) x WHERE q = 'A1    '",
+        "SELECT lot FROM stock WHERE ('A') = ('A  ') ORDER BY lot",
+        "SELECT lot FROM stock WHERE pin IN (SELECT pin FROM dosesadm) ORDER BY lot",
+        "SELECT stock FROM stock",
+        "SELECT xmin FROM stock",
+        "SELECT ctid FROM stock",
+        "SELECT stock.pg_typeof FROM stock",
+        "SELECT tableoid FROM stock",
         "SELECT nosuch FROM stock",
         "SELECT pin FROM nosuch",
         "SELECT pin FROM",
@@ -329,7 +338,14 @@ TEST_F(PostgresqlDifferentialStatements, DistinctRowsAreTheSame) {
   for (const std::string text :
        {"SELECT DISTINCT pin FROM stock", "Select Distinct vaccine From stock",
         "SELECT DISTINCT datein FROM stock", "SELECT DISTINCT doses, datein FROM stock",
-        "SELECT DISTINCT locactiv FROM pvaccref"}) {
+        "SELECT DISTINCT locactiv FROM pvaccref",
+        "SELECT DISTINCT * FROM dosesadm WHERE pin IN (SELECT pin FROM stock)",
+        "SELECT DISTINCT * FROM (SELECT pin FROM stock) x",
+        "SELECT pin FROM stock UNION SELECT pin FROM dosesadm",
+        "SELECT * FROM neworder UNION SELECT * FROM influenza",
+        "SELECT count(*) FROM (SELECT pin AS q FROM stock) x GROUP BY q",
+        "SELECT upper(vaccine) FROM stock GROUP BY vaccine",
+        "SELECT pin, count(*) FROM stock GROUP BY pin ORDER BY upper(pin)"}) {
     // Which of the texts that are equal stands for them is left open, so is the order.
     const auto rows = [&](Connection& connection) {
       std::vector<Row> seen = Seen(connection, text);

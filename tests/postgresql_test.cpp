@@ -1,7 +1,9 @@
 // What of PostgreSQL shows through the connection: its strings, its server's going
 // and coming, its errors, its settings.
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -177,6 +179,26 @@ TEST_F(PostgresqlConnectionTest, WhatCannotBeTakenIsAnErrorThatShowsNoValue) {
   ExpectDoesNotOpen(good + ";=s3cret", kFailed);
 }
 
+TEST_F(PostgresqlConnectionTest, AConnectionForReplicationCannotBeAskedFor) {
+  ExpectDoesNotOpen("Host=@;Database=#;User ID=clerk;replication=database", kFailed);
+}
+
+TEST_F(PostgresqlConnectionTest, AHostThatSaysNothingIsGivenUpAfterTheTimeGiven) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path() + "/.s.PGSQL.5432";
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+  ASSERT_EQ(listen(listener, 1), 0);
+  const Clock::time_point start = Clock::now();
+  ExpectDoesNotOpen("Host=" + folder.path() + ";Database=x;User ID=clerk;connect_timeout=2",
+                    kNotReachable);
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
+  close(listener);
+}
+
 TEST_F(PostgresqlConnectionTest, NothingThatListensIsNotReachable) {
   const TemporaryFolder s3cret;
   ExpectDoesNotOpen("Host=" + s3cret.path() + ";Database=#;User ID=clerk", kNotReachable,
@@ -289,6 +311,20 @@ TEST_F(PostgresqlConnectionTest, AValueBeyondItsColumnIsOutOfRange) {
                [&] { connection().Execute("INSERT INTO pvaccref (cost) VALUES (1E999)"); });
   connection().Execute("INSERT INTO stock (doses) VALUES (9223372036854775807)");
   EXPECT_EQ(Query("SELECT doses FROM stock"), (std::vector<Row>{{"9223372036854775807"}}));
+}
+
+TEST_F(PostgresqlConnectionTest, ANumberBeyondTheLargestDoubleCannotBeRead) {
+  Execute("INSERT INTO dosesadm (pin, dose) VALUES ('A1', 1e400), ('A2', -1e400), ('A3', 1e-400)");
+  const auto read = [&](const std::string& pin) {
+    return connection()
+        .Execute("SELECT dose FROM dosesadm WHERE pin = '" + pin + "'")
+        ->Fields()
+        .Item(0)
+        .Value();
+  };
+  ExpectNumber(kOutOfRange, [&] { static_cast<void>(read("A1")); });
+  ExpectNumber(kOutOfRange, [&] { static_cast<void>(read("A2")); });
+  EXPECT_TRUE(read("A3") == Value(0.0));
 }
 
 TEST_F(PostgresqlConnectionTest, WhatWaitsTooLongIsBusy) {
@@ -588,7 +624,11 @@ TEST_F(PostgresqlLossTest, ASessionThatTheServerEndedIsFoundOutByTheNextCall) {
   Connection& connection = this->connection();
   connection.Execute("INSERT INTO stock (lot) VALUES ('L1')");
   EndSessions();
-  ExpectNumber(kNotReachable, [&] { connection.Execute("INSERT INTO stock (lot) VALUES ('L2')"); });
+  const Error error = Refusal([&] { connection.Execute("INSERT INTO stock (lot) VALUES ('L2')"); });
+  // The server's last word.
+  ExpectError(error, kNotReachable, "terminating connection due to administrator command",
+              "Lotrix");
+  EXPECT_EQ(error.engineCode(), std::stoi("57P01", nullptr, 36));
   EXPECT_EQ(connection.State(), ObjectState::kClosed);
   EXPECT_EQ(Query("SELECT lot FROM stock"), (std::vector<Row>{{"L1"}}));
 }
@@ -771,6 +811,19 @@ TEST_F(PostgresqlConnectionTest, ReadersAreNotHeldUpByAWriter) {
   EXPECT_EQ(connection().Execute("SELECT lot FROM stock WHERE lot = 'L1'")->RecordCount(), 1);
   writer.Execute("COMMIT");
   EXPECT_EQ(connection().Execute("SELECT lot FROM stock")->RecordCount(), 2);
+}
+
+TEST_F(PostgresqlConnectionTest, MakingTheSchemaThatIsThereWaitsForNobodyAndNeedsNoRight) {
+  RawPostgresql writer(Name(), "clerk");
+  writer.Execute("BEGIN; INSERT INTO stock (lot) VALUES ('L1')");
+  Set("lock_timeout = '2s'");
+  connection().Close();
+  EXPECT_NO_THROW(connection().CreateSchema());
+  Connection guarded;
+  guarded.Open(StringOf("Host=@;Database=#;User ID=guarded;Password=open sesame"));
+  EXPECT_NO_THROW(guarded.CreateSchema());
+  writer.Execute("COMMIT");
+  EXPECT_EQ(StockCount(), "1");
 }
 
 TEST_F(PostgresqlConnectionTest, SeveralClientsMayMakeTheSchemaAtOnce) {

@@ -61,6 +61,7 @@ void Connection::Close() {
 }
 
 void Connection::CloseRecordsets() noexcept {
+  if (session_ != nullptr) session_->GiveUpCursors();
   for (Recordset* const recordset : recordsets_) recordset->connection_ = nullptr;
   for (Recordset* const recordset : recordsets_) recordset->Drop();
   recordsets_.clear();

@@ -60,6 +60,9 @@ class Session {
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
   virtual void CreateSchema() = 0;
+  // It is about to be closed: the rows of cursors that are still there need not be
+  // read any more.
+  virtual void GiveUpCursors() noexcept {}
   // What has to be closed by its name and does not go with the session.
   virtual void Close() {}
 };

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <stdexcept>
 
 #include "lotrix/connection.h"
@@ -86,8 +87,8 @@ const std::string& Template() {
 
 // Databases that their tests are done with. To make one takes long where files are
 // slow, so they are used again, as long as there is nothing but rows to be undone.
-std::vector<std::string>& Spare() {
-  static std::vector<std::string> names;
+std::deque<std::string>& Spare() {
+  static std::deque<std::string> names;
   return names;
 }
 
@@ -177,9 +178,10 @@ std::vector<Row> RawPostgresql::Query(const std::string& sql) {
 PostgresqlDatabase::PostgresqlDatabase() {
   // The first one of a process is made by the way.
   const std::string& made = Template();
-  while (!Spare().empty()) {
-    name_ = Spare().back();
-    Spare().pop_back();
+  // The last one is left to rest, while its sessions come to their end.
+  while (Spare().size() > 1) {
+    name_ = Spare().front();
+    Spare().pop_front();
     EndSessions(name_);
     if (MakeFresh(Clerk())) return;
     clerk_.reset();

@@ -27,6 +27,9 @@ struct Translation : lotrix::Translation {
   // in none of the tables given.
   bool asksForColumns = false;
   bool missesColumn = false;
+  // What stands where only a column can, and is none of the tables given; empty when
+  // there is no such name. The engine would take it for a row, or for a function.
+  std::string noColumn;
 };
 
 // A text that is compared, grouped or sorted is cast to bpchar, the type whose

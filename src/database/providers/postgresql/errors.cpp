@@ -16,7 +16,8 @@ struct Mapping {
 };
 
 // The first that fits counts.
-constexpr std::array<Mapping, 20> kMappings = {{
+constexpr std::array<Mapping, 22> kMappings = {{
+    {"08007", EngineError::kInDoubt},
     {"08", EngineError::kNotReachable},
     {"0A", EngineError::kStatementRefused},
     {"21", EngineError::kStatementRefused},
@@ -26,6 +27,7 @@ constexpr std::array<Mapping, 20> kMappings = {{
     {"23", EngineError::kConstraintViolated},
     {"25006", EngineError::kNotPermitted},
     {"28", EngineError::kLoginRefused},
+    {"40003", EngineError::kInDoubt},
     {"40", EngineError::kBusy},
     {"42501", EngineError::kNotPermitted},
     {"42P01", EngineError::kNoSuchTable},

@@ -34,6 +34,19 @@ bool IsFailure(const Result& answer) {
   }
 }
 
+Exchange::Exchange(Link link) : link_(std::move(link)) {
+  PQsetNoticeReceiver(link_.get(), Hear, lastWord_.get());
+}
+
+// Between two exchanges the library takes a failure for a notice.
+void Exchange::Hear(void* lastWord, const PGresult* notice) {
+  constexpr std::string_view kShutdown = "57P";
+  const std::string_view state = SqlState(notice);
+  if (!EndsSession(notice) && !state.starts_with(kShutdown)) return;
+  const char* const message = PQresultErrorField(notice, PG_DIAG_MESSAGE_PRIMARY);
+  *static_cast<LastWord*>(lastWord) = {std::string(state), message == nullptr ? "" : message};
+}
+
 void Exchange::Begin(bool changes) {
   RequireOpen();
   inDoubt_ = changes;
@@ -66,6 +79,7 @@ void Exchange::AddExecution(const std::string& name, const Arguments& arguments)
 
 void Exchange::AddDescription(const std::string& name) {
   RequireSent(PQsendDescribePrepared(link_.get(), name.c_str()));
+  givesRows_ = false;
 }
 
 Result Exchange::Send() {
@@ -75,7 +89,7 @@ Result Exchange::Send() {
     if (IsFailure(answer)) return answer;
     static_cast<void>(Read());  // nothing stands between two answers
   }
-  PQsetSingleRowMode(link_.get());
+  if (givesRows_ && PQsetSingleRowMode(link_.get()) != 1) Lose(nullptr);
   Result answer = Read();
   if (!IsFailure(answer)) ++succeeded_;
   return answer;
@@ -185,14 +199,14 @@ void Exchange::Rollback() {
   if (IsFailure(answer)) RaisePostgresqlError(answer.get());
 }
 
-Result Exchange::RunText(const std::string& sql) {
+Result Exchange::RunText(const std::string& sql, bool changes) {
   RequireOpen();
-  inDoubt_ = true;
+  inDoubt_ = changes;
   Result answer(PQexec(link_.get(), sql.c_str()));
   if (answer == nullptr || EndsSession(answer.get()) || PQstatus(link_.get()) == CONNECTION_BAD) {
     Lose(answer.get());
   }
-  return IsFailure(answer) ? std::move(answer) : nullptr;
+  return answer;
 }
 
 Result Exchange::RunAlone(const char* command) {
@@ -211,15 +225,16 @@ void Exchange::RequireOpen() {
   inDoubt_ = false;
   pollfd socket = {.fd = PQsocket(link_.get()), .events = POLLIN, .revents = 0};
   while (poll(&socket, 1, 0) > 0) {
-    if (PQconsumeInput(link_.get()) != 1) Lose(nullptr);
-    // Takes what the server says unasked, a last word among it.
+    // Takes what the server has said unasked, a last word among it.
     static_cast<void>(PQisBusy(link_.get()));
+    if (PQconsumeInput(link_.get()) != 1) Lose(nullptr);
   }
 }
 
 void Exchange::RequireSent(int sent) {
   if (sent != 1) Lose(nullptr);
   ++added_;
+  givesRows_ = true;
 }
 
 Result Exchange::Read() {
@@ -233,7 +248,9 @@ void Exchange::Lose(const PGresult* last) {
   const Link lost = std::move(link_);
   transaction_ = Transaction::kNone;
   const char* const said = PQresultErrorField(last, PG_DIAG_MESSAGE_PRIMARY);
-  RaiseLost(inDoubt_, said != nullptr ? said : PQerrorMessage(lost.get()), SqlState(last));
+  if (said != nullptr && !SqlState(last).empty()) RaiseLost(inDoubt_, said, SqlState(last));
+  if (!lastWord_->message.empty()) RaiseLost(inDoubt_, lastWord_->message, lastWord_->sqlState);
+  RaiseLost(inDoubt_, PQerrorMessage(lost.get()), {});
 }
 
 }  // namespace lotrix::postgresql

@@ -5,6 +5,7 @@
 #include <libpq-fe.h>
 
 #include <chrono>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,7 +32,7 @@ struct Arguments {
 // effect, once the server is gone; the connection is closed then.
 class Exchange {
  public:
-  explicit Exchange(Link link) : link_(std::move(link)) {}
+  explicit Exchange(Link link);
 
   [[nodiscard]] bool IsOpen() const { return link_ != nullptr; }
   [[nodiscard]] bool InTransaction() const { return transaction_ != Transaction::kNone; }
@@ -65,8 +66,11 @@ class Exchange {
   void Commit();
   void Rollback();
 
-  // Several statements in one text, all or none of them. Gives the failure, if any.
-  Result RunText(const std::string& sql);
+  // Several statements in one text, all or none of them; the answer is the last one's,
+  // or the failure.
+  Result RunText(const std::string& sql, bool changes);
+  // What is under way need not come to its end.
+  void Close() { link_.reset(); }
 
  private:
   enum class Transaction { kNone, kWanted, kOpen };
@@ -81,11 +85,20 @@ class Exchange {
   void SettleTransaction();
   [[noreturn]] void Lose(const PGresult* last);
 
+  // What the server said unasked when it ended the connection.
+  struct LastWord {
+    std::string sqlState;
+    std::string message;
+  };
+  static void Hear(void* lastWord, const PGresult* notice);
+
   Link link_;
+  std::unique_ptr<LastWord> lastWord_ = std::make_unique<LastWord>();  // stays where it is
   Transaction transaction_ = Transaction::kNone;
   bool hasSavepoint_ = false;
   bool inDoubt_ = false;
   int added_ = 0;
+  bool givesRows_ = false;  // the last one added may
   int succeeded_ = 0;
 };
 

@@ -1,7 +1,10 @@
 #include "src/database/providers/postgresql/opening.h"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,12 +30,23 @@ using Options = std::unique_ptr<PQconninfoOption, FreeOptions>;
   RaiseEngineError(EngineError::kFailed, "Connection string: " + std::string(why));
 }
 
-bool IsKeyword(std::string_view keyword) {
-  const Options known(PQconndefaults());
-  for (const PQconninfoOption* option = known.get(); option->keyword != nullptr; ++option) {
-    if (keyword == option->keyword) return true;
+// What the library knows under that keyword, with its value if the environment gives
+// one; nothing for a keyword that it does not know.
+const PQconninfoOption* FindOption(const Options& options, std::string_view keyword) {
+  for (const PQconninfoOption* option = options.get(); option->keyword != nullptr; ++option) {
+    if (keyword == option->keyword) return option;
   }
-  return false;
+  return nullptr;
+}
+
+// A server that stops answering must not hold up its clients for ever. What the
+// environment or the connection string says goes before.
+void AddPatience(const Options& known, Parameters& parameters) {
+  constexpr std::pair<const char*, const char*> kPatience[] = {
+      {"connect_timeout", "30"}, {"keepalives_idle", "60"}, {"tcp_user_timeout", "60000"}};
+  for (const auto& [keyword, value] : kPatience) {
+    if (FindOption(known, keyword)->val == nullptr) parameters.emplace_back(keyword, value);
+  }
 }
 
 void AddUri(const std::string& uri, Parameters& parameters) {
@@ -80,6 +94,9 @@ void RequireNumbers(std::string_view keyword, std::string_view value) {
 // Of a keyword given twice the last one counts, for the library too.
 Parameters ReadParameters(const ConnectionSettings& settings) {
   Parameters parameters;
+  const Options known(PQconndefaults());
+  if (known == nullptr) RaiseRuntimeError(RuntimeError::kOutOfMemory);
+  AddPatience(known, parameters);
   for (const auto& [keyword, value] : settings.values) {
     if (keyword == "uri") AddUri(value, parameters);
   }
@@ -90,10 +107,14 @@ Parameters ReadParameters(const ConnectionSettings& settings) {
                              : keyword == "user id" ? "user"
                                                     : keyword;
     // Not named: it may be what is left of a value that needed quotes.
-    if (!IsKeyword(name)) Refuse("a keyword is unknown.");
+    if (FindOption(known, name) == nullptr) Refuse("a keyword is unknown.");
     parameters.emplace_back(name, value);
   }
-  for (const auto& [keyword, value] : parameters) RequireNumbers(keyword, value);
+  for (const auto& [keyword, value] : parameters) {
+    RequireNumbers(keyword, value);
+    // Such a connection takes no statements.
+    if (keyword == "replication") Refuse("a keyword is unknown.");
+  }
   parameters.emplace_back("client_encoding", "UTF8");
   parameters.emplace_back("fallback_application_name", "lotrix");
   return parameters;
@@ -165,19 +186,72 @@ Answer ReadVerbose(std::string_view message) {
   RaiseNotOpened({}, {});
 }
 
-// Opens the connection; what the server says against it is told with its SQLSTATE
-// only when messages are verbose, so it is asked once more.
+using Clock = std::chrono::steady_clock;
+
+// As the library counts it: nothing and 0 wait for ever, 1 is too short to be meant.
+Clock::time_point EndOfPatience(const char* value) {
+  const std::string_view timeout = value == nullptr ? "" : value;
+  int seconds = 0;
+  std::from_chars(timeout.data(), timeout.data() + timeout.size(), seconds);
+  return seconds <= 0 ? Clock::time_point::max()
+                      : Clock::now() + std::chrono::seconds(std::max(seconds, 2));
+}
+
+// Whether the connection is waiting for `wanted` no more, before `end`.
+bool WaitsUntil(PGconn* connection, PostgresPollingStatusType wanted, Clock::time_point end) {
+  constexpr int kForever = -1;
+  int wait = kForever;
+  if (end != Clock::time_point::max()) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+    if (left.count() <= 0) return false;
+    wait = static_cast<int>(left.count());
+  }
+  const bool writes = wanted == PGRES_POLLING_WRITING;
+  pollfd socket = {.fd = PQsocket(connection),
+                   .events = static_cast<short>(writes ? POLLOUT : POLLIN),
+                   .revents = 0};
+  return poll(&socket, 1, wait) != 0;
+}
+
+// Whether it came to an end, good or bad, in time.
+bool Finishes(PGconn* connection, Clock::time_point end) {
+  PostgresPollingStatusType wanted = PGRES_POLLING_WRITING;
+  while (wanted == PGRES_POLLING_WRITING || wanted == PGRES_POLLING_READING) {
+    if (PQstatus(connection) == CONNECTION_BAD) return true;
+    if (!WaitsUntil(connection, wanted, end)) return false;
+    wanted = PQconnectPoll(connection);
+  }
+  return true;
+}
+
+void SilenceNotices(PGconn* connection) {
+  PQsetNoticeProcessor(
+      connection, [](void*, const char*) {}, nullptr);
+}
+
+// Opened step by step, since only so the server's warnings are not printed, and its
+// refusal comes with a SQLSTATE.
 Link Open(const Parameters& parameters) {
   const Pointers pointers = PointersTo(parameters);
-  Link link(PQconnectdbParams(pointers.keywords.data(), pointers.values.data(), 0));
+  Link link(PQconnectStartParams(pointers.keywords.data(), pointers.values.data(), 0));
   if (link == nullptr) RaiseRuntimeError(RuntimeError::kOutOfMemory);
-  PQsetNoticeProcessor(
-      link.get(), [](void*, const char*) {}, nullptr);
-  if (PQstatus(link.get()) == CONNECTION_OK) return link;
+  SilenceNotices(link.get());
   PQsetErrorVerbosity(link.get(), PQERRORS_VERBOSE);
-  const bool answered =
-      std::string_view(PQerrorMessage(link.get())).find(":  ") != std::string_view::npos;
-  if (answered) PQreset(link.get());
+  const Options used(PQconninfo(link.get()));
+  if (used == nullptr) RaiseRuntimeError(RuntimeError::kOutOfMemory);
+  const bool inTime = Finishes(link.get(), EndOfPatience(FindOption(used, "connect_timeout")->val));
+  const auto hasSeveral = [&](const char* keyword) {
+    const char* const value = FindOption(used, keyword)->val;
+    return value != nullptr && std::string_view(value).find(',') != std::string_view::npos;
+  };
+  if (!inTime && (hasSeveral("host") || hasSeveral("hostaddr"))) {
+    // Only the library itself can pass over a host that does not answer.
+    link.reset(PQconnectdbParams(pointers.keywords.data(), pointers.values.data(), 0));
+    if (link == nullptr) RaiseRuntimeError(RuntimeError::kOutOfMemory);
+    SilenceNotices(link.get());
+  } else if (!inTime) {
+    RaiseNotOpened({}, {});
+  }
   if (PQstatus(link.get()) != CONNECTION_OK) RaiseNotConnected(link.get(), parameters);
   return link;
 }
@@ -186,7 +260,10 @@ Link Open(const Parameters& parameters) {
 
 Link Connect(const ConnectionSettings& settings, ConnectMode mode) {
   Link link = Open(ReadParameters(settings));
+  // Waiting for a lock has an end, the server's own if it sets one.
   std::string wanted =
+      "SELECT set_config('lock_timeout', '30s', false) "
+      "WHERE current_setting('lock_timeout') = '0'; "
       "SET standard_conforming_strings = on; SET DateStyle = 'ISO, MDY'; SET TimeZone = 'UTC'; "
       "SET extra_float_digits = 3; SET bytea_output = 'hex'; "
       "SET default_transaction_isolation = 'read committed'";

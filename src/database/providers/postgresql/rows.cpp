@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "src/database/providers/values.h"
+#include "src/errors/raise_error.h"
 #include "src/platform/text.h"
 
 namespace lotrix::postgresql {
@@ -32,11 +33,19 @@ DataType DeclaredAs(Oid type) {
   }
 }
 
-template <class Number>
-Number Read(std::string_view text) {
-  Number number = 0;
+std::int64_t ReadWhole(std::string_view text) {
+  std::int64_t number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);
   return number;
+}
+
+double ReadDouble(std::string_view text) {
+  double number = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (read.ec != std::errc::result_out_of_range) return number;
+  // One too small is 0; the server writes it with a nought before the point.
+  if (text.starts_with("0.") || text.starts_with("-0.")) return 0;
+  RaiseEngineError(EngineError::kValueOutOfRange, "A number is out of range.");
 }
 
 // A column of any numbers holds 5.0 as the whole number 5; of an expression the
@@ -53,7 +62,7 @@ ValueView ReadNumeric(std::string_view text, bool ofTable) {
     const auto read = std::from_chars(whole.data(), end, number);
     if (read.ec == std::errc() && read.ptr == end) return number;
   }
-  return Read<double>(text);
+  return ReadDouble(text);
 }
 
 }  // namespace
@@ -74,12 +83,12 @@ ValueView ReadValue(const Column& column, std::string_view text) {
     case kInt2:
     case kInt4:
     case kInt8:
-      return Read<std::int64_t>(text);
+      return ReadWhole(text);
     case kNumeric:
       return ReadNumeric(text, column.ofTable);
     case kFloat4:
     case kFloat8:
-      return Read<double>(text);
+      return ReadDouble(text);
     case kBool:
       if (column.ofTable) return text == "t";
       return std::int64_t{text == "t" ? 1 : 0};

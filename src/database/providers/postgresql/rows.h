@@ -38,7 +38,7 @@ struct Column {
 
 // A value in the server's text form. An expression's logical is 0 or 1 and its
 // date a text yyyy-mm-dd. Throws 80040E07 for a date beyond the years 100 to 9999
-// in a date column.
+// in a date column, and 80040E57 for a number beyond the largest double.
 [[nodiscard]] ValueView ReadValue(const Column& column, std::string_view text);
 
 // Rows that have been taken off the server, one cell after another.

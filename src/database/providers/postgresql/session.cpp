@@ -2,7 +2,9 @@
 
 #include <charconv>
 #include <chrono>
+#include <cstdint>
 #include <exception>
+#include <random>
 #include <string_view>
 #include <system_error>
 #include <thread>
@@ -17,6 +19,7 @@
 #include "src/database/providers/postgresql/rows.h"
 #include "src/database/providers/statement_cache.h"
 #include "src/database/providers/values.h"
+#include "src/errors/raise_error.h"
 
 namespace lotrix {
 extern const std::string_view kPostgresqlSchema;
@@ -35,7 +38,7 @@ struct PreparedStatement {
   PreparedStatement& operator=(const PreparedStatement&) = delete;
   ~PreparedStatement() { Leave(); }
 
-  // The server's own one is dropped when something is said to it the next time.
+  // The server's own one is dropped later.
   void Leave() {
     if (!name.empty()) leftOnServer->push_back(std::move(name));
     name.clear();
@@ -159,17 +162,40 @@ class PostgresqlCursor final : public Cursor, private Reader {
   std::exception_ptr failure_;
 };
 
-// The statement on the server has become useless: its table has changed, or the
-// server does not know it any more.
-bool IsStale(const Result& answer) {
-  const std::string_view state = SqlState(answer.get());
-  return state == "0A000" || state == "26000";
+constexpr std::string_view kPlanIsStale = "0A000";
+constexpr std::string_view kNoSuchStatement = "26000";
+constexpr std::string_view kNameIsTaken = "42P05";
+
+// The statement on the server has become useless: its table has changed, or somebody
+// between here and the server has dropped it, or made another of its name.
+bool IsStale(std::string_view sqlState, bool wasThere) {
+  if (!wasThere) return sqlState == kNameIsTaken;
+  return sqlState == kPlanIsStale || sqlState == kNoSuchStatement;
+}
+
+// Not another client's, should a proxy let several use one session of the server.
+std::string NamePrefix() {
+  constexpr std::uint64_t kBase = std::uint64_t{1} << 32U;
+  std::random_device random;
+  return "lotrix_" + std::to_string(random() * kBase + random()) + '_';
 }
 
 // Others make the same tables at the same moment.
 bool IsRaceOfSchemas(std::string_view sqlState) {
   return sqlState == "23505" || sqlState == "42P07" || sqlState == "42710" || sqlState == "40001" ||
          sqlState == "40P01";
+}
+
+// The tables and indexes that the schema's text makes.
+Names NamesInSchema() {
+  constexpr std::string_view kBefore = " IF NOT EXISTS ";
+  Names names;
+  std::string_view rest = kPostgresqlSchema;
+  for (std::size_t at = rest.find(kBefore); at != std::string_view::npos; at = rest.find(kBefore)) {
+    rest.remove_prefix(at + kBefore.size());
+    names.emplace_back(rest.substr(0, rest.find(' ')));
+  }
+  return names;
 }
 
 // Texts are left to the server, which knows what they are compared with or stored
@@ -210,8 +236,10 @@ class PostgresqlSession final : public Session {
     line_->EndReading();
     const bool wasThere = !prepared->name.empty();
     if (!wasThere) Write(*prepared, statement);
+    DropLeftStatements();
     Result answer = Send(*prepared);
-    if (wasThere && IsStale(answer)) {
+    if (IsStale(SqlState(answer.get()), wasThere)) {
+      if (SqlState(answer.get()) == kNoSuchStatement) prepared->name.clear();
       line_->exchange.Finish(std::move(answer));
       prepared->Leave();
       tables_.clear();
@@ -223,6 +251,10 @@ class PostgresqlSession final : public Session {
   }
 
   [[nodiscard]] bool IsOpen() const override { return line_->exchange.IsOpen(); }
+  void GiveUpCursors() noexcept override {
+    line_->reader = nullptr;
+    line_->exchange.Close();
+  }
 
   void Begin() override { line_->exchange.BeginTransaction(); }
   void Commit() override {
@@ -240,17 +272,30 @@ class PostgresqlSession final : public Session {
     constexpr auto kPause = std::chrono::milliseconds(20);
     line_->EndReading();
     tables_.clear();
+    if (HasSchema()) return;
     for (int tries = 1;; ++tries) {
-      const Result failure = line_->exchange.RunText(std::string(kPostgresqlSchema));
-      if (failure == nullptr) return;
-      if (tries == kMostTries || !IsRaceOfSchemas(SqlState(failure.get()))) {
-        RaisePostgresqlError(failure.get());
+      const Result answer = line_->exchange.RunText(std::string(kPostgresqlSchema), true);
+      if (!IsFailure(answer)) return;
+      if (tries == kMostTries || !IsRaceOfSchemas(SqlState(answer.get()))) {
+        RaisePostgresqlError(answer.get());
       }
       std::this_thread::sleep_for(tries * kPause);
     }
   }
 
  private:
+  // Making what is there already would wait for all who write.
+  bool HasSchema() {
+    const Names names = NamesInSchema();
+    std::string query =
+        "SELECT count(*) FROM pg_catalog.pg_class WHERE relnamespace = (SELECT oid FROM "
+        "pg_catalog.pg_namespace WHERE nspname = current_schema()) AND relname IN ('";
+    for (const std::string& name : names) query += name + "', '";
+    const Result answer = line_->exchange.RunText(query + "')", false);
+    if (IsFailure(answer)) RaisePostgresqlError(answer.get());
+    return PQgetvalue(answer.get(), 0, 0) == std::to_string(names.size());
+  }
+
   // Kept by the template and the kinds of its numbers, which the server's one is
   // made for.
   std::shared_ptr<PreparedStatement> Take(const Statement& statement) {
@@ -281,10 +326,15 @@ class PostgresqlSession final : public Session {
       asked = true;
     }
     write();
-    if (asked || !translation.missesColumn) return;
-    // It may have been added meanwhile.
-    for (const std::string& table : Names(translation.tables)) ReadTable(table);
-    write();
+    if (!asked && translation.missesColumn) {
+      // It may have been added meanwhile.
+      for (const std::string& table : Names(translation.tables)) ReadTable(table);
+      write();
+    }
+    if (!translation.noColumn.empty()) {
+      RaiseEngineError(EngineError::kStatementRefused,
+                       "There is no column " + translation.noColumn + '.');
+    }
   }
 
   // Asks for the table's columns without reading it.
@@ -307,13 +357,23 @@ class PostgresqlSession final : public Session {
     tables_[table] = std::move(columns);
   }
 
+  // One that somebody else has dropped is no harm.
+  void DropLeftStatements() {
+    if (leftOnServer_->empty() || InTransaction()) return;
+    const Names names = std::move(*leftOnServer_);
+    leftOnServer_->clear();
+    for (const std::string& name : names) {
+      line_->exchange.Begin(false);
+      line_->exchange.Add("DEALLOCATE " + name);
+      line_->exchange.Finish(line_->exchange.Send());
+    }
+  }
+
   Result Send(PreparedStatement& prepared) {
     Exchange& exchange = line_->exchange;
     exchange.Begin(!prepared.translation.isQuery);
-    for (const std::string& name : *leftOnServer_) exchange.Add("DEALLOCATE " + name);
-    leftOnServer_->clear();
     const bool isNew = prepared.name.empty();
-    const std::string name = isNew ? "lotrix" + std::to_string(++statements_) : prepared.name;
+    const std::string name = isNew ? namePrefix_ + std::to_string(++statements_) : prepared.name;
     if (isNew) exchange.AddPreparation(name, prepared.translation.sql, arguments_.types);
     exchange.AddExecution(name, arguments_);
     Result answer = exchange.Send();
@@ -351,6 +411,7 @@ class PostgresqlSession final : public Session {
   std::shared_ptr<Names> leftOnServer_ = std::make_shared<Names>();
   StatementCache<PreparedStatement> cache_;
   Tables tables_;
+  std::string namePrefix_ = NamePrefix();
   int statements_ = 0;  // made so far
   std::string key_;
   // Kept for their room.

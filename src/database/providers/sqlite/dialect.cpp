@@ -1,5 +1,7 @@
 #include "src/database/providers/sqlite/dialect.h"
 
+#include <algorithm>
+
 namespace lotrix::sqlite {
 
 namespace {
@@ -30,11 +32,22 @@ class SqliteTranslator final : public Translator {
     } else if (IsOperator(Here(), ")") && !parentheses_.empty() && parentheses_.back().givesText) {
       const bool compared = parentheses_.back().isCompared;
       Translator::WriteToken();
-      if (compared || BehindIsRange(at_)) translation_->sql += kPadded;
+      const bool isItem = std::all_of(parentheses_.begin(), parentheses_.end(),
+                                      [](const Parenthesis& p) { return p.isPlain; });
+      if (compared || BehindIsRange(at_) || (tellsApart_ && isItem)) translation_->sql += kPadded;
     } else {
+      if (Here().kind == TokenKind::kKeyword) EnterClause(Here().content);
       Translator::WriteToken();
     }
   }
+
+  // Distinct, grouped and sorted items are compared with each other.
+  void EnterClause(std::string_view keyword) {
+    if (keyword == "DISTINCT" || keyword == "GROUP" || keyword == "ORDER") tellsApart_ = true;
+    if (keyword == "FROM" || keyword == "HAVING" || keyword == "SELECT") tellsApart_ = false;
+  }
+
+  bool tellsApart_ = false;
 };
 
 }  // namespace
