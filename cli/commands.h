@@ -21,7 +21,7 @@ struct Common {
   std::string logPath;  // empty for the default
 };
 
-int Init(const Common& common, bool sample);
+int Init(const Common& common, bool sample, bool strict);
 // All members, or the named one.
 int Operations(const std::string& name, bool json);
 int Call(const Common& common, const std::string& operation,

@@ -45,6 +45,7 @@ int Run(int argc, char** argv) {
 
   int exitCode = 0;
   bool sample = false;
+  bool strict = false;
   bool json = false;
   std::string name;
   std::string file;
@@ -52,7 +53,8 @@ int Run(int argc, char** argv) {
 
   CLI::App* const init = app.add_subcommand("init", "Make the tables and indexes");
   init->add_flag("--sample", sample, "Add the sample data to an empty database");
-  init->callback([&] { exitCode = lotrix::cli::Init(common, sample); });
+  init->add_flag("--strict", strict, "Add unique indexes on the keys that operations check");
+  init->callback([&] { exitCode = lotrix::cli::Init(common, sample, strict); });
 
   CLI::App* const operations = app.add_subcommand("operations", "Show the published members");
   operations->add_option("name", name, "Only this member");

@@ -9,6 +9,11 @@
 
 namespace lotrix {
 
+void Session::CreateUniqueIndexes() {
+  RaiseEngineError(EngineError::kNotPermitted,
+                   "The indexes of this provider's database are not made here.");
+}
+
 namespace {
 
 void SetUnlessEmpty(ConnectionSettings& settings, const char* keyword, const std::string& value) {
@@ -109,6 +114,13 @@ void Connection::CreateSchema() {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
   OpenSession().CreateSchema();
+}
+
+void Connection::CreateUniqueIndexes() {
+  if (OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
+  }
+  OpenSession().CreateUniqueIndexes();
 }
 
 void ConnectionAccess::WrapSession(

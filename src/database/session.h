@@ -57,6 +57,8 @@ class Session {
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
   virtual void CreateSchema() = 0;
+  // Throws 80040E09 where the engine's tables are another program's.
+  virtual void CreateUniqueIndexes();
 };
 
 // What a connection is opened with.

@@ -20,7 +20,8 @@
 
 namespace lotrix {
 extern const std::string_view kPostgresqlSchema;
-}
+extern const std::string_view kPostgresqlUniqueIndexes;
+}  // namespace lotrix
 
 namespace lotrix::postgresql {
 
@@ -247,6 +248,12 @@ class PostgresqlSession final : public Session {
       }
       std::this_thread::sleep_for(tries * kPause);
     }
+  }
+
+  void CreateUniqueIndexes() override {
+    line_->EndReading();
+    const Result failure = line_->exchange.RunText(std::string(kPostgresqlUniqueIndexes));
+    if (failure != nullptr) RaisePostgresqlError(failure.get());
   }
 
  private:

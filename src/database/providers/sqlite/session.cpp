@@ -23,6 +23,7 @@
 
 namespace lotrix {
 extern const std::string_view kSqliteSchema;
+extern const std::string_view kSqliteUniqueIndexes;
 }
 
 namespace lotrix::sqlite {
@@ -245,10 +246,15 @@ class SqliteSession final : public Session {
     return sqlite3_get_autocommit(database_.get()) == 0;
   }
 
-  void CreateSchema() override {
+  void CreateSchema() override { ExecuteAll(kSqliteSchema); }
+  void CreateUniqueIndexes() override { ExecuteAll(kSqliteUniqueIndexes); }
+
+ private:
+  // All the statements or none of them.
+  void ExecuteAll(std::string_view sql) {
     Begin();
     try {
-      ExecuteNative(database_.get(), std::string(kSqliteSchema));
+      ExecuteNative(database_.get(), std::string(sql));
       Commit();
     } catch (...) {
       if (InTransaction()) Rollback();
@@ -256,7 +262,6 @@ class SqliteSession final : public Session {
     }
   }
 
- private:
   // A handle has one set of rows at a time, so a statement whose kept one is in
   // use comes fresh.
   std::shared_ptr<PreparedStatement> Take(std::string_view templateText) {
