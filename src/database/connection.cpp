@@ -134,6 +134,13 @@ std::shared_ptr<void> ConnectionAccess::ForeignObject(const Connection& connecti
   return connection.State() == ObjectState::kOpen ? connection.object_ : nullptr;
 }
 
+void ConnectionAccess::BeginSnapshot(Connection& connection) {
+  if (connection.OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
+  }
+  connection.OpenSession().BeginSnapshot();
+}
+
 Session& Connection::OpenSession() const {
   RequireOpen();
   return *session_;

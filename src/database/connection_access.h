@@ -20,6 +20,10 @@ struct ConnectionAccess {
   // The connection object of another program that the open connection works
   // through; null for the engines that are built in.
   static std::shared_ptr<void> ForeignObject(const Connection& connection);
+
+  // A transaction in which all queries see the database as it was at one moment; the
+  // connection is for reading from then on. Throws as BeginTrans does.
+  static void BeginSnapshot(Connection& connection);
 };
 
 }  // namespace lotrix

@@ -53,6 +53,9 @@ class Session {
   // False once what stands behind the session is closed or lost.
   [[nodiscard]] virtual bool IsOpen() const { return true; }
   virtual void Begin() = 0;
+  // A transaction for reading only, in which all queries see the database as it was at
+  // one moment, and which keeps nobody from writing where the engine can do that.
+  virtual void BeginSnapshot() { Begin(); }
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;

@@ -225,6 +225,14 @@ class PostgresqlSession final : public Session {
   [[nodiscard]] bool IsOpen() const override { return line_->exchange.IsOpen(); }
 
   void Begin() override { line_->exchange.BeginTransaction(); }
+  // The session's later transactions see one moment, too.
+  void BeginSnapshot() override {
+    line_->EndReading();
+    const Result failure = line_->exchange.RunText(
+        "SET SESSION CHARACTERISTICS AS TRANSACTION ISOLATION LEVEL REPEATABLE READ, READ ONLY");
+    if (failure != nullptr) RaisePostgresqlError(failure.get());
+    Begin();
+  }
   void Commit() override {
     line_->EndReading();
     line_->exchange.Commit();
