@@ -21,13 +21,15 @@ struct Common {
   std::string logPath;  // empty for the default
 };
 
-int Init(const Common& common, bool sample);
+int Init(const Common& common, bool sample, bool strict);
 // All members, or the named one.
 int Operations(const std::string& name, bool json);
 int Call(const Common& common, const std::string& operation,
          const std::vector<std::string>& arguments, bool json);
 // From the file, or from standard input when none is named.
 int Batch(const Common& common, const std::string& file);
+// All tables from one database to another, named by their connection strings.
+int Copy(const std::string& from, const std::string& to);
 // On a database and a log of its own.
 int Demo();
 

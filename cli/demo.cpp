@@ -89,7 +89,7 @@ int Demo() {
       .connectionString = "Provider=SQLite;Data Source=\"" + folder.path() + "/demo.db\"",
       .logPath = folder.path() + "/Lotrix.log"};
   std::cout << "A fresh embedded database with the sample data of a small state's programme.\n";
-  if (const int failed = Init(fresh, true); failed != kAllWell) return failed;
+  if (const int failed = Init(fresh, true, false); failed != kAllWell) return failed;
   Day day(fresh);
   const std::string today = DateText(Today(std::chrono::system_clock::now));
   const NamedArguments order = {{"anOrderDate", today},  {"aPIN", "p00001"},

@@ -1,10 +1,11 @@
 -- The tables and indexes of the vaccine-management database on PostgreSQL.
 --
 -- Texts sort by their bytes. Every column may be Null, and no key is unique: a row
--- that is there twice is something rules report. The indexes stand on the very
--- expressions that the operations filter by, made of the engine's own functions, so
--- that any client of the engine can write; bpchar is the type whose comparisons do
--- not count trailing blanks.
+-- that is there twice is something rules report (see postgresql_strict.sql for the
+-- unique indexes that may be added). The indexes stand on the very expressions that
+-- the operations filter by, made of the engine's own functions, so that any client of
+-- the engine can write; bpchar is the type whose comparisons do not count trailing
+-- blanks.
 
 CREATE TABLE IF NOT EXISTS provider (
   "pin" text COLLATE "C",

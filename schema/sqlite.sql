@@ -1,7 +1,8 @@
 -- The tables and indexes of the vaccine-management database on SQLite.
 --
 -- Text columns compare without their trailing blanks. Every column may be Null,
--- and no key is unique: a row that is there twice is something rules report.
+-- and no key is unique: a row that is there twice is something rules report (see
+-- sqlite_strict.sql for the unique indexes that may be added).
 -- The indexes stand on the very expressions that the operations filter by, made
 -- of the engine's own functions, so that any client of the engine can write.
 

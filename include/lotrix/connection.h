@@ -61,6 +61,12 @@ class Connection {
   // Makes the tables and indexes that are not there yet, in one transaction; throws
   // 80004005 inside one of the client's.
   void CreateSchema();
+  // Makes unique indexes on the keys that the operations look for duplicates by, as
+  // far as no client alone is hindered by them, in one transaction; throws 80040E2F,
+  // and makes none, when rows break one of them already. From then on the second of
+  // two clients that insert one key at the same moment gets 80040E2F. Throws 80004005
+  // inside a transaction of the client's.
+  void CreateUniqueIndexes();
 
  private:
   friend class Recordset;

@@ -9,6 +9,11 @@
 
 namespace lotrix {
 
+void Session::CreateUniqueIndexes() {
+  RaiseEngineError(EngineError::kNotPermitted,
+                   "The indexes of this provider's database are not made here.");
+}
+
 namespace {
 
 void SetUnlessEmpty(ConnectionSettings& settings, const char* keyword, const std::string& value) {
@@ -118,6 +123,13 @@ void Connection::CreateSchema() {
   UnlessLost([&] { session_->CreateSchema(); });
 }
 
+void Connection::CreateUniqueIndexes() {
+  if (OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
+  }
+  OpenSession().CreateUniqueIndexes();
+}
+
 void ConnectionAccess::WrapSession(
     Connection& connection,
     const std::function<std::unique_ptr<Session>(std::unique_ptr<Session>)>& wrap) {
@@ -131,6 +143,13 @@ std::shared_ptr<void> ConnectionAccess::ForeignObject(const Connection& connecti
 
 bool ConnectionAccess::HasKeyTransactions(const Connection& connection) {
   return connection.OpenSession().HasKeyTransactions();
+}
+
+void ConnectionAccess::BeginSnapshot(Connection& connection) {
+  if (connection.OpenSession().InTransaction()) {
+    RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
+  }
+  connection.OpenSession().BeginSnapshot();
 }
 
 Session& Connection::OpenSession() const {

@@ -23,6 +23,10 @@ struct ConnectionAccess {
 
   // Of an open connection; throws 3704 otherwise.
   static bool HasKeyTransactions(const Connection& connection);
+
+  // A transaction in which all queries see the database as it was at one moment; the
+  // connection is for reading from then on. Throws as BeginTrans does.
+  static void BeginSnapshot(Connection& connection);
 };
 
 }  // namespace lotrix

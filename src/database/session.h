@@ -56,6 +56,9 @@ class Session {
   // the tables are another program's, which may have none to give.
   [[nodiscard]] virtual bool HasKeyTransactions() const { return true; }
   virtual void Begin() = 0;
+  // A transaction for reading only, in which all queries see the database as it was at
+  // one moment, and which keeps nobody from writing where the engine can do that.
+  virtual void BeginSnapshot() { Begin(); }
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
@@ -65,6 +68,8 @@ class Session {
   virtual void GiveUpCursors() noexcept {}
   // What has to be closed by its name and does not go with the session.
   virtual void Close() {}
+  // Throws 80040E09 where the engine's tables are another program's.
+  virtual void CreateUniqueIndexes();
 };
 
 // What a connection is opened with.

@@ -23,7 +23,8 @@
 
 namespace lotrix {
 extern const std::string_view kPostgresqlSchema;
-}
+extern const std::string_view kPostgresqlUniqueIndexes;
+}  // namespace lotrix
 
 namespace lotrix::postgresql {
 
@@ -257,6 +258,14 @@ class PostgresqlSession final : public Session {
   }
 
   void Begin() override { line_->exchange.BeginTransaction(); }
+  // The session's later transactions see one moment, too.
+  void BeginSnapshot() override {
+    line_->EndReading();
+    const Result failure = line_->exchange.RunText(
+        "SET SESSION CHARACTERISTICS AS TRANSACTION ISOLATION LEVEL REPEATABLE READ, READ ONLY");
+    if (failure != nullptr) RaisePostgresqlError(failure.get());
+    Begin();
+  }
   void Commit() override {
     line_->EndReading();
     line_->exchange.Commit();
@@ -281,6 +290,12 @@ class PostgresqlSession final : public Session {
       }
       std::this_thread::sleep_for(tries * kPause);
     }
+  }
+
+  void CreateUniqueIndexes() override {
+    line_->EndReading();
+    const Result failure = line_->exchange.RunText(std::string(kPostgresqlUniqueIndexes));
+    if (failure != nullptr) RaisePostgresqlError(failure.get());
   }
 
  private:
