@@ -5,6 +5,7 @@
 
 #include "src/errors/raise_error.h"
 #include "src/platform/automation.h"
+#include "src/platform/dates.h"
 #include "src/platform/values.h"
 #include "src/platform/wide_text.h"
 
@@ -254,7 +255,30 @@ Value ToValue(const VARIANT& variant) {
   }
 }
 
+namespace {
+
+// Formed here, since not every system leaves out the user's own formats when it is
+// asked to.
+std::string DateTimeText(DATE moment) {
+  SYSTEMTIME time{};
+  if (!VariantTimeToSystemTime(moment, &time)) RaiseRuntimeError(RuntimeError::kOverflow);
+  const Date day{static_cast<std::int16_t>(time.wYear), static_cast<std::uint8_t>(time.wMonth),
+                 static_cast<std::uint8_t>(time.wDay)};
+  const bool hasTime = time.wHour != 0 || time.wMinute != 0 || time.wSecond != 0;
+  if (!hasTime) return DateText(day);
+  const auto twoDigits = [](WORD number) {
+    return (number < 10 ? "0" : "") + std::to_string(number);
+  };
+  const std::string clock = std::to_string(time.wHour % 12 == 0 ? 12 : time.wHour % 12) + ":" +
+                            twoDigits(time.wMinute) + ":" + twoDigits(time.wSecond) +
+                            (time.wHour < 12 ? " AM" : " PM");
+  return day == kZeroDate ? clock : DateText(day) + " " + clock;
+}
+
+}  // namespace
+
 std::string ToEnglishText(const VARIANT& variant) {
+  if (V_VT(&variant) == VT_DATE) return DateTimeText(V_DATE(&variant));
   return FromBstr(ByAutomation(variant, VT_BSTR)->bstrVal);
 }
 

@@ -261,9 +261,10 @@ class PostgresqlSession final : public Session {
   // The session's later transactions see one moment, too.
   void BeginSnapshot() override {
     line_->EndReading();
-    const Result failure = line_->exchange.RunText(
-        "SET SESSION CHARACTERISTICS AS TRANSACTION ISOLATION LEVEL REPEATABLE READ, READ ONLY");
-    if (failure != nullptr) RaisePostgresqlError(failure.get());
+    const Result answer = line_->exchange.RunText(
+        "SET SESSION CHARACTERISTICS AS TRANSACTION ISOLATION LEVEL REPEATABLE READ, READ ONLY",
+        false);
+    if (IsFailure(answer)) RaisePostgresqlError(answer.get());
     Begin();
   }
   void Commit() override {
@@ -294,8 +295,8 @@ class PostgresqlSession final : public Session {
 
   void CreateUniqueIndexes() override {
     line_->EndReading();
-    const Result failure = line_->exchange.RunText(std::string(kPostgresqlUniqueIndexes));
-    if (failure != nullptr) RaisePostgresqlError(failure.get());
+    const Result answer = line_->exchange.RunText(std::string(kPostgresqlUniqueIndexes), true);
+    if (IsFailure(answer)) RaisePostgresqlError(answer.get());
   }
 
  private:
