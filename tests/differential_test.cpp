@@ -342,7 +342,6 @@ TEST_F(PostgresqlDifferentialStatements, DistinctRowsAreTheSame) {
         "SELECT DISTINCT * FROM dosesadm WHERE pin IN (SELECT pin FROM stock)",
         "SELECT DISTINCT * FROM (SELECT pin FROM stock) x",
         "SELECT pin FROM stock UNION SELECT pin FROM dosesadm",
-        "SELECT * FROM neworder UNION SELECT * FROM influenza",
         "SELECT count(*) FROM (SELECT pin AS q FROM stock) x GROUP BY q",
         "SELECT upper(vaccine) FROM stock GROUP BY vaccine",
         "SELECT pin, count(*) FROM stock GROUP BY pin ORDER BY upper(pin)"}) {
