@@ -81,6 +81,10 @@ bool Translator::OpensFunction(std::size_t index) const {
 }
 
 void Translator::WriteKeyword() {
+  // Some engines make a table of the rows of a SELECT … INTO.
+  if (Here().content == "INTO" && !(at_ == 1 && IsKeyword(tokens_.front(), "INSERT"))) {
+    RaiseEngineError(EngineError::kStatementRefused, "INTO stands behind INSERT alone.");
+  }
   // Within the list of SET an equals sign is no comparison.
   if (Here().content == "SET") inSetList_ = true;
   if (Here().content == "WHERE") inSetList_ = false;

@@ -15,7 +15,7 @@ namespace lotrix {
 
 struct Translation {
   std::string sql;
-  std::vector<Parameter> parameters;  // in the order of their marks
+  std::vector<StatementParameter> parameters;  // in the order of their marks
 };
 
 // How an engine writes what has no form of its own in common SQL.

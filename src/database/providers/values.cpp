@@ -25,12 +25,12 @@ void TakeDate(std::string_view text, ParameterValue& value) {
 
 }  // namespace
 
-void TakeValues(const std::vector<Parameter>& parameters, const Statement& source,
+void TakeValues(const std::vector<StatementParameter>& parameters, const Statement& source,
                 std::vector<ParameterValue>& values) {
   values.resize(parameters.size());
   auto splice = source.splices().begin();
   auto target = values.begin();
-  for (const Parameter& parameter : parameters) {
+  for (const StatementParameter& parameter : parameters) {
     target->other = std::monostate();
     std::string& content = target->text;
     content.clear();

@@ -15,7 +15,7 @@ namespace lotrix {
 
 // A parameter of a prepared statement: its content as it stands in the template,
 // a mark for each spliced value in it.
-struct Parameter {
+struct StatementParameter {
   Place place;
   std::string content;
 };
@@ -30,7 +30,7 @@ struct ParameterValue {
 // Puts the spliced values into the parameters' contents, and these into `values`,
 // whose room is used again. Throws 80040E07 for a date that is none and 80040E57
 // for a number beyond the largest double.
-void TakeValues(const std::vector<Parameter>& parameters, const Statement& source,
+void TakeValues(const std::vector<StatementParameter>& parameters, const Statement& source,
                 std::vector<ParameterValue>& values);
 
 // A bare number whose shape has been checked: whole if it is written so and fits.

@@ -13,6 +13,10 @@ constexpr EngineWords kWords = {.truth = "TRUE",
                                 .missingDate = "CAST(NULL AS date)",
                                 .numbersParameters = true};
 
+// What is written behind an operand that is compared.
+constexpr std::string_view kCompared = " AS bpchar)";
+constexpr std::string_view kComparedByBytes = " AS bpchar) COLLATE \"C\"";
+
 // A table of the statement, by the name that its columns are qualified with.
 struct Source {
   std::string table;
@@ -191,7 +195,7 @@ class PostgresqlTranslator final : public Translator {
       if (BeginsColumn())
         WrapIfCompared(LastOfOperand(at_), [&] { return IsColumn(at_, Kind::kText); });
     } else if (Here().kind == TokenKind::kText && ComparesLiterals()) {
-      Wrap("CAST(", at_, " AS bpchar) COLLATE \"C\"");
+      Wrap("CAST(", at_, kComparedByBytes);
     }
   }
 
@@ -214,7 +218,16 @@ class PostgresqlTranslator final : public Translator {
 
   template <class IsText>
   void WrapIfCompared(std::size_t last, const IsText& isText) {
-    if (IsCompared(last) && isText()) Wrap("CAST(", last, " AS bpchar)");
+    if (!IsCompared(last) || !isText()) return;
+    Wrap("CAST(", last, HoldsColumn(last) ? kCompared : kComparedByBytes);
+  }
+
+  // Texts sort by their bytes, as the columns do by their own declaration.
+  [[nodiscard]] bool HoldsColumn(std::size_t last) const {
+    for (std::size_t i = at_; i <= last; ++i) {
+      if (IsName(tokens_[i]) && !OpensFunction(i)) return true;
+    }
+    return false;
   }
 
   // The engine's division by zero is an error, and not Null.

@@ -180,6 +180,9 @@ Link Connect(const ConnectionSettings& settings, ConnectMode mode) {
     if (PQstatus(link.get()) == CONNECTION_BAD) RaiseLost(false, {}, SqlState(result.get()));
     RaisePostgresqlError(result.get());
   }
+  // Queries here are over before their compilation would pay. A server that does not
+  // know the setting does not compile them.
+  const Result ignored(PQexec(link.get(), "SET jit = off"));
   return link;
 }
 

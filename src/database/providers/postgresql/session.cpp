@@ -173,8 +173,8 @@ bool IsRaceOfSchemas(std::string_view sqlState) {
 
 // Texts are left to the server, which knows what they are compared with or stored
 // into. A number of any other type than the column's would cost it its index.
-void WriteArguments(const std::vector<Parameter>& parameters, std::vector<ParameterValue>& values,
-                    Arguments& arguments) {
+void WriteArguments(const std::vector<StatementParameter>& parameters,
+                    std::vector<ParameterValue>& values, Arguments& arguments) {
   arguments.texts.clear();
   arguments.types.clear();
   for (std::size_t i = 0; i < values.size(); ++i) {

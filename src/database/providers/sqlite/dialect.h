@@ -8,7 +8,7 @@
 
 namespace lotrix::sqlite {
 
-using lotrix::Parameter;
+using Parameter = StatementParameter;
 using lotrix::Translation;
 
 // Throws 80040E14 for what it cannot read and 80040E07 for a date between braces
