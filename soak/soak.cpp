@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "soak/journal.h"
 #include "soak/keys.h"
+#include "soak/writer.h"
 
 namespace lotrix::soak {
 namespace {
@@ -23,7 +25,25 @@ int Run(const std::vector<std::string>& words) {
     CheckKeys(words[1], words[2], words[3], std::stoi(words[4]), checks);
     return Verdict(checks);
   }
-  std::cerr << "lotrix_soak keys ENGINE CONNECTION FOLDER ROUNDS\n";
+  if (words.size() == 5 && words[0] == "write") {
+    WriteRows(words[1], words[2], words[3], std::stoi(words[4]));
+    return 0;
+  }
+  if (words.size() == 2 && words[0] == "answer") {
+    AnswerLines(words[1], std::cin, std::cout);
+    return 0;
+  }
+  if (words.size() > 4 && words[0] == "check") {
+    // The last of them were written while the server was lost.
+    const auto last = words.end() - std::stoi(words[3]);
+    CheckJournals(words[1], std::stoll(words[2]), {words.begin() + 4, last}, {last, words.end()},
+                  checks);
+    return Verdict(checks);
+  }
+  std::cerr << "lotrix_soak keys ENGINE CONNECTION FOLDER ROUNDS\n"
+               "lotrix_soak write CONNECTION JOURNAL STOPFILE FIRSTSERIAL\n"
+               "lotrix_soak answer CONNECTION\n"
+               "lotrix_soak check ROWS LOSTAT LASTJOURNALS JOURNAL...\n";
   return kUsage;
 }
 
