@@ -61,12 +61,12 @@ P00001,MMR,twelve
 P00002,HIB,9
 """)
 accepted = 0
-for row in csv.DictReader(counted):
+for count in csv.DictReader(counted):
     try:
-        service.provinvAdd(**row, aIdate=today)
+        service.provinvAdd(**count, aIdate=today)
         accepted += 1
     except lotrix.Error as error:
-        print(f"{row['aPIN']} {row['aVacc']}: {error}")
+        print(f"{count['aPIN']} {count['aVacc']}: {error}")
 print(f"{accepted} counts accepted")
 
 # %% The day as the database holds it.

@@ -578,9 +578,7 @@ TEST_F(AdditionalInfo, AnApostropheOrZeroCharacterInAFreeTextIsRefusedAsSyntax) 
 TEST_F(AdditionalInfo, AnErrorOfTheEngineIsAProblemOfTheOperation) {
   answer_ = [this](const std::string& text) -> std::optional<std::vector<Value>> {
     if (text != ProviderActive("P1")) return std::nullopt;
-    Execute(
-        "CREATE TRIGGER closed BEFORE UPDATE ON provider BEGIN SELECT RAISE(ABORT, 'closed'); "
-        "END");
+    database().Forbid("UPDATE", "provider");
     return std::nullopt;
   };
   const Error error = Refusal([&] { Run({}); });
@@ -589,7 +587,7 @@ TEST_F(AdditionalInfo, AnErrorOfTheEngineIsAProblemOfTheOperation) {
             Joined({Begun(), StatementRefused({}), {ProblemOf(kOperation, error.description())}}));
   EXPECT_EQ(Query("SELECT cat2 FROM provider"), (Rows{{"OC2"}}));
   answer_ = {};
-  Execute("DROP TRIGGER closed");
+  database().Allow("provider");
   Run({});
   EXPECT_EQ(Trace(), Joined({Begun(), StatementRefused({}), Ended()}));
   EXPECT_EQ(Query("SELECT cat2 FROM provider"), (Rows{{"PRIVATE"}}));

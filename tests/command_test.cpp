@@ -231,6 +231,7 @@ TEST_F(CommandTest, VersionNamesTheEngines) {
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_NE(outcome.out.find("0.1.0"), std::string::npos);
   EXPECT_NE(outcome.out.find("SQLite"), std::string::npos);
+  EXPECT_NE(outcome.out.find("PostgreSQL"), std::string::npos);
 }
 
 TEST_F(CommandTest, WrongUsageIsTwoAndGivesNoData) {

@@ -690,7 +690,7 @@ TEST_F(Enrollment, APinThatWouldLeaveItsPlaceIsRefusedAsSyntax) {
 
 TEST_F(Enrollment, AnErrorOfTheEngineIsAProblemOfTheOperation) {
   const std::string statement = InsertStatement("1", "11, 12, 13, 14, 15, 16, 17, 18");
-  Execute("CREATE TRIGGER closed BEFORE INSERT ON enroll BEGIN SELECT RAISE(ABORT, 'closed'); END");
+  database().Forbid("INSERT", "enroll");
   const Error error = Refusal([&] { Run(Accepted()); });
   EXPECT_EQ(error.source(), "LOTRIX DLL");
   EXPECT_EQ(Trace(), Joined({Begun(),
@@ -699,7 +699,7 @@ TEST_F(Enrollment, AnErrorOfTheEngineIsAProblemOfTheOperation) {
                              ConnectionRead(),
                              {ProblemOf(kOperation, error.description())}}));
   EXPECT_EQ(Query("SELECT count(*) FROM enroll"), (Rows{{"2"}}));
-  Execute("DROP TRIGGER closed");
+  database().Allow("enroll");
   ForgetTrace();
   Run(Accepted());
   EXPECT_EQ(Trace(), Joined({Begun(), LookedFor(), Logged(statement), ConnectionRead(), Ended()}));

@@ -10,6 +10,7 @@ namespace lotrix::test {
 namespace {
 
 class Faults : public DatabaseTest {};
+class SqliteFaults : public Faults {};
 
 TEST_F(Faults, ALongValueForATableThatIsMissingIsNoSuchTable) {
   Execute("DROP TABLE pvaccref");
@@ -36,7 +37,7 @@ TEST_F(Faults, ALongDateThatIsNoneCannotBeConverted) {
   EXPECT_EQ(Query("SELECT count(*) FROM dosesadm"), (std::vector<Row>{{"0"}}));
 }
 
-TEST_F(Faults, AnEnginesErrorBetweenTwoRowsClosesTheRecordset) {
+TEST_F(SqliteFaults, AnEnginesErrorBetweenTwoRowsClosesTheRecordset) {
   Execute(
       "INSERT INTO distrib(pin, doses) VALUES('A', 1), ('B', 9223372036854775807),"
       " ('B', 9223372036854775807), ('C', 1)");

@@ -1189,12 +1189,13 @@ TEST_F(InventoryAdjustment, AVeryLongTypeIsUnknown) {
 }
 
 TEST_F(InventoryAdjustment, AVeryLongVaccineAndLotAreStoredWhole) {
-  const std::string vaccine(kMebibyte, 'V');
-  const std::string lot(kMebibyte, 'L');
+  const std::size_t length = database().LongestIndexedText() / 2;
+  const std::string vaccine(length, 'V');
+  const std::string lot(length, 'L');
   AddStock(vaccine, lot);
   Adjustment adjustment;
-  adjustment.vaccine = std::string(kMebibyte, 'v');
-  adjustment.lot = std::string(kMebibyte, 'l');
+  adjustment.vaccine = std::string(length, 'v');
+  adjustment.lot = std::string(length, 'l');
   Run(adjustment);
   Run(adjustment);
   EXPECT_TRUE(Query("SELECT vaccine, lot, doses FROM distrib") == (Rows{{vaccine, lot, "10"}}));

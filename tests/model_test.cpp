@@ -7,20 +7,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdlib>
-#include <ctime>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "lotrix/lotrix.h"
 #include "tests/model/calls.h"
+#include "tests/model/component.h"
 #include "tests/support/engine.h"
-#include "tests/support/fixture.h"
 
 namespace lotrix::model {
 namespace {
@@ -29,70 +25,6 @@ constexpr std::uint64_t kDefaultSeed = 20261120;
 constexpr std::uint64_t kDefaultSteps = 4000;
 constexpr std::uint64_t kStepsOfOneDatabase = 250;
 constexpr std::uint64_t kStepsBetweenComparisons = 10;
-
-std::uint64_t FromEnvironment(const char* name, std::uint64_t otherwise) {
-  const char* const text = std::getenv(name);
-  return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
-}
-
-std::chrono::system_clock::time_point ModelNow() {
-  std::tm local{};
-  local.tm_year = kToday.year - 1900;
-  local.tm_mon = kToday.month - 1;
-  local.tm_mday = kToday.day;
-  local.tm_hour = 13;
-  local.tm_isdst = -1;
-  return std::chrono::system_clock::from_time_t(std::mktime(&local));
-}
-
-// --- The database's side ------------------------------------------------------
-
-std::string Literal(const std::string& cell, ColumnKind kind) {
-  if (cell == "<null>") return "NULL";
-  if (kind == ColumnKind::kNumber) return cell;
-  if (kind == ColumnKind::kLogical) return cell == "1" ? "(1 = 1)" : "(1 = 0)";
-  std::string literal = "'";
-  for (const char c : cell) {
-    if (c == '\'') literal.push_back('\'');
-    literal.push_back(c);
-  }
-  return literal + "'";
-}
-
-std::string ColumnList(const TableContents& table) {
-  std::string list;
-  for (const Column& column : table.columns) {
-    list += (list.empty() ? "\"" : ", \"") + column.name + "\"";
-  }
-  return list;
-}
-
-void Fill(test::TestDatabase& database, const Tables& tables) {
-  std::string statements = "BEGIN;";
-  for (const TableContents& table : Contents(tables)) {
-    for (const Row& row : table.rows) {
-      std::string values;
-      for (std::size_t i = 0; i < row.size(); ++i) {
-        values += (i == 0 ? "" : ", ") + Literal(row[i], table.columns[i].kind);
-      }
-      statements += "INSERT INTO " + table.name + " (" + ColumnList(table) + ") VALUES (" + values;
-      statements += ");";
-    }
-  }
-  database.Execute(statements + "COMMIT");
-}
-
-std::vector<Row> Stored(test::TestDatabase& database, const TableContents& table) {
-  std::vector<Row> rows = database.Query("SELECT " + ColumnList(table) + " FROM " + table.name);
-  for (Row& row : rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      if (table.columns[i].kind != ColumnKind::kNumber || row[i] == "<null>") continue;
-      // Engines write the same number in several ways.
-      row[i] = NumberText(std::strtod(row[i].c_str(), nullptr));
-    }
-  }
-  return rows;
-}
 
 std::string RowText(const Row& row) {
   std::string text;
@@ -116,10 +48,10 @@ std::string Difference(std::vector<Row> expected, std::vector<Row> actual) {
   return text;
 }
 
-std::string TableDifferences(test::TestDatabase& database, const Tables& tables) {
+std::string TableDifferences(Component& component, const Tables& tables) {
   std::string text;
   for (const TableContents& table : Contents(tables)) {
-    const std::string difference = Difference(table.rows, Stored(database, table));
+    const std::string difference = Difference(table.rows, component.Stored(table));
     if (!difference.empty()) {
       text += table.name + " (" + ColumnList(table) + ")\n" + difference;
     }
@@ -128,57 +60,6 @@ std::string TableDifferences(test::TestDatabase& database, const Tables& tables)
 }
 
 // --- The component's verdict --------------------------------------------------
-
-struct Outcome {
-  bool accepted = true;
-  std::int32_t number = 0;
-  std::string source;
-  std::string message;
-  bool hasTable = false;
-  Row headers;
-  std::vector<Row> rows;
-  std::vector<std::string> shown;
-};
-
-class Component {
- public:
-  explicit Component(const Tables& tables)
-      : database_(test::MakeTestDatabase()),
-        lotrix_({.clock = ModelNow,
-                 .notify = [this](std::string_view text) { shown_.emplace_back(text); },
-                 .logPath = folder_.path() + "/Lotrix.log"}) {
-    Fill(*database_, tables);
-    lotrix_.openConnection(database_->ConnectionString());
-  }
-
-  Outcome Run(const Call& call) {
-    shown_.clear();
-    Outcome outcome;
-    try {
-      const CallResult result = lotrix::Call(lotrix_, MemberNamed(call.operation), call.arguments);
-      if (const auto* const table = std::get_if<cResultSet>(&result)) {
-        outcome.hasTable = true;
-        outcome.headers = test::HeaderNames(*table);
-        outcome.rows = test::Cells(*table);
-      }
-    } catch (const Error& error) {
-      outcome.accepted = false;
-      outcome.number = error.number();
-      outcome.source = error.source();
-      outcome.message = error.description();
-    }
-    outcome.shown = shown_;
-    return outcome;
-  }
-
-  [[nodiscard]] test::TestDatabase& database() { return *database_; }
-
- private:
-  test::TemporaryFolder folder_;
-  std::unique_ptr<test::TestDatabase> database_;
-  std::vector<std::string> shown_;
-  cLotrix lotrix_;
-};
 
 std::string RefusalText(std::int32_t number, const std::string& message) {
   return "refused with " + std::to_string(number) + " " + Quoted(message);
@@ -268,7 +149,7 @@ TEST(Model, AndComponentAgreeOnARandomSequenceOfCalls) {
     const bool fresh = step % kStepsOfOneDatabase == 0;
     if (fresh) {
       tables = StartingTables(databases++);
-      component = std::make_unique<Component>(tables);
+      component = std::make_unique<Component>(test::TestEngine(), tables);
       differs = false;
       callsSinceComparison.clear();
     }
@@ -280,7 +161,7 @@ TEST(Model, AndComponentAgreeOnARandomSequenceOfCalls) {
         (step + 1) % kStepsBetweenComparisons == 0 || step + 1 == steps || !difference.empty();
     // What the rows left behind differ in may be the work of a call before this one.
     callsSinceComparison += std::to_string(step) + ": " + Describe(call) + "\n";
-    if (compares) difference += TableDifferences(component->database(), tables);
+    if (compares) difference += TableDifferences(*component, tables);
     if (!difference.empty()) {
       ADD_FAILURE() << "LOTRIX_MODEL_SEED=" << seed << " LOTRIX_MODEL_STEPS=" << step + 1
                     << ": step " << step << ", database " << databases - 1

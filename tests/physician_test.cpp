@@ -131,7 +131,7 @@ class PhysicianTable : public DatabaseTest {
   [[nodiscard]] Rows Physicians() {
     return Query(
         "SELECT pin, lastname, firstname, initial, title, other1, medicaidno, medlicense, chgdate "
-        "FROM physicn ORDER BY rowid");
+        "FROM physicn ORDER BY pin, lastname, firstname");
   }
 
   // What the engine is made to count wrong by a test.
@@ -320,9 +320,9 @@ TEST_F(PhysicianAddUpdate, OtherPhysiciansStay) {
   Add("P1", "SMITH", "ANN");
   Run(WithEveryOptional());
   EXPECT_EQ(Physicians(),
-            (Rows{{"P2", "SMITH", "ANN", "O", "OT", "OS", "OM", "OL", "1999-01-02"},
+            (Rows{{"P1", "SMITH", "ANN", "Q", "MD", "SITE-1", "Med-2a", "LIC-3", "2026-11-20"},
                   {"P1", "SMITHE", "ANN", "O", "OT", "OS", "OM", "OL", "1999-01-02"},
-                  {"P1", "SMITH", "ANN", "Q", "MD", "SITE-1", "Med-2a", "LIC-3", "2026-11-20"}}));
+                  {"P2", "SMITH", "ANN", "O", "OT", "OS", "OM", "OL", "1999-01-02"}}));
 }
 
 // Whether the physician is there is asked with the first name, what is updated
@@ -357,8 +357,8 @@ TEST_F(PhysicianAddUpdate, LeadingBlanksCountInTheKeyAndTrailingOnesDoNot) {
             "lastname = 'SMITH  ' ");
   EXPECT_EQ(Query("SELECT pin, lastname, firstname FROM physicn"), (Rows{{"P1", "SMITH", "ANN "}}));
   Run({.lastName = " smith"});
-  EXPECT_EQ(Query("SELECT pin, lastname, firstname FROM physicn ORDER BY rowid"),
-            (Rows{{"P1", "SMITH", "ANN "}, {"P1", " SMITH", "ANN"}}));
+  EXPECT_EQ(Query("SELECT pin, lastname, firstname FROM physicn ORDER BY lastname"),
+            (Rows{{"P1", " SMITH", "ANN"}, {"P1", "SMITH", "ANN "}}));
 }
 
 TEST_F(PhysicianAddUpdate, ASecondCallFindsThePhysicianOfTheFirst) {
@@ -560,8 +560,7 @@ TEST_F(PhysicianAddUpdate, AnApostropheOrZeroCharacterInAnOptionalIsRefusedAsSyn
 }
 
 TEST_F(PhysicianAddUpdate, AnErrorOfTheEngineIsAProblemOfTheOperation) {
-  Execute(
-      "CREATE TRIGGER closed BEFORE INSERT ON physicn BEGIN SELECT RAISE(ABORT, 'closed'); END");
+  database().Forbid("INSERT", "physicn");
   const Error error = Refusal([&] { Run({}); });
   EXPECT_EQ(error.source(), "LOTRIX DLL");
   EXPECT_EQ(Trace(), Joined({{"information Begin: physicianAddUpdate()"},
@@ -645,8 +644,8 @@ TEST_F(PhysicianDelete, EveryPhysicianOfThePinIsRemovedAndNoOther) {
   Add(" P1", "SMITH", "ANN");
   Add("p1", "SMITH", "ANN");
   lotrix().physicianDeleteByPin("P1");
-  EXPECT_EQ(Query("SELECT pin FROM physicn ORDER BY rowid"),
-            (Rows{{"P2"}, {"P11"}, {" P1"}, {"p1"}}));
+  EXPECT_EQ(Query("SELECT pin FROM physicn ORDER BY pin"),
+            (Rows{{" P1"}, {"P11"}, {"P2"}, {"p1"}}));
   EXPECT_EQ(Query("SELECT pin FROM provider"), (Rows{{"P1"}}));
 }
 
@@ -717,7 +716,7 @@ TEST_F(PhysicianDelete, APinTooLongIsRefused) {
       "The number of characters in the pin entered exceeds the maximum allowed";
   for (const std::string& pin :
        {"TOO-LONG"s, "1234567"s, "ÉÉÉÉÉÉÉ"s, std::string(kMebibyte, 'P')}) {
-    Add(pin, "SMITH", "ANN");
+    if (pin.size() <= database().LongestIndexedText()) Add(pin, "SMITH", "ANN");
     ExpectRefused(pin, 20078, message, {}, {});
   }
 }

@@ -600,7 +600,7 @@ TEST_F(ProfileOperation, TheProviderStaysWhenItsEnrollmentFails) {
 }
 
 TEST_F(ProfileOperation, TheProviderStaysWhenItsEnrollmentCannotBeWritten) {
-  Execute("CREATE TRIGGER closed BEFORE INSERT ON enroll BEGIN SELECT RAISE(ABORT, 'closed'); END");
+  database().Forbid("INSERT", "enroll");
   ForgetTrace();
   const Error error = Refusal([&] { Run(NewProfile()); });
   EXPECT_EQ(error.source(), "LOTRIX DLL");

@@ -3,8 +3,12 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
 #include <string>
@@ -16,6 +20,7 @@
 #include "src/database/providers/sqlite/dialect.h"
 #include "src/utility/keys_and_lookups.h"
 #include "src/validation/validation.h"
+#include "tests/support/engine_postgresql.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
@@ -191,13 +196,9 @@ class SchemaTest : public DatabaseTest {
   }
 };
 
-// What is said of SQLite's own tables.
-class SqliteSchemaTest : public SchemaTest {
- protected:
-  [[nodiscard]] std::vector<Row> Definitions() {
-    return Query("SELECT type, name, tbl_name, sql FROM sqlite_master ORDER BY type, name");
-  }
-};
+// What is said of one engine's own tables.
+class SqliteSchemaTest : public SchemaTest {};
+class PostgresqlSchemaTest : public SchemaTest {};
 
 // --- tables ------------------------------------------------------------------
 
@@ -212,18 +213,18 @@ TEST_F(SchemaTest, MakingTheSchemaAgainLeavesRowsAlone) {
   EXPECT_EQ(Contents(database()), before);
 }
 
-TEST_F(SqliteSchemaTest, MakingTheSchemaAgainLeavesTablesAndIndexesAlone) {
-  const std::vector<Row> before = Definitions();
+TEST_F(SchemaTest, MakingTheSchemaAgainLeavesTablesAndIndexesAlone) {
+  const std::vector<Row> before = database().Definitions();
   ASSERT_FALSE(before.empty());
   connection().CreateSchema();
-  EXPECT_EQ(Definitions(), before);
+  EXPECT_EQ(database().Definitions(), before);
 }
 
-TEST_F(SqliteSchemaTest, EveryTableIsThereAndNoOther) {
+TEST_F(SchemaTest, EveryTableIsThereAndNoOther) {
   std::vector<std::string> expected;
   for (const Table& table : Tables()) expected.push_back(table.name);
   std::sort(expected.begin(), expected.end());
-  EXPECT_EQ(Column("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"), expected);
+  EXPECT_EQ(database().TableNames(), expected);
 }
 
 TEST_F(SqliteSchemaTest, ColumnsStandInOrderWithTheirKindsAndDefaults) {
@@ -243,6 +244,28 @@ TEST_F(SqliteSchemaTest, ColumnsStandInOrderWithTheirKindsAndDefaults) {
       actual.push_back(row[0] + " " + row[1] + (row[2] == "<null>" ? "" : " " + row[2]));
     }
     EXPECT_EQ(actual, expected) << table.name;
+  }
+}
+
+TEST_F(PostgresqlSchemaTest, ColumnsStandInOrderWithTheirTypesAndDefaults) {
+  // Texts sort by their bytes, as in every engine.
+  const std::map<Kind, std::string> declared = {
+      {Kind::kText, "text C"},       {Kind::kDate, "date"},
+      {Kind::kLogical, "boolean"},   {Kind::kDouble, "double precision"},
+      {Kind::kAnyNumber, "numeric"}, {Kind::kWhole, "bigint"},
+      {Kind::kCount, "bigint 0"},
+  };
+  for (const Table& table : Tables()) {
+    std::vector<std::string> expected;
+    for (const auto& [name, kind] : ColumnsOf(table)) {
+      expected.push_back(name + " " + declared.at(kind));
+    }
+    EXPECT_EQ(Column("SELECT concat_ws(' ', column_name, data_type, character_maximum_length, "
+                     "collation_name, column_default, nullif(is_nullable, 'YES')) FROM "
+                     "information_schema.columns WHERE table_name = '" +
+                     table.name + "' AND table_schema = 'public' ORDER BY ordinal_position"),
+              expected)
+        << table.name;
   }
 }
 
@@ -286,10 +309,48 @@ TEST_F(SchemaTest, EqualRowsWithValuesMayBeThereTwice) {
 TEST_F(SqliteSchemaTest, NothingIsUniqueCheckedOrTiedToAnotherTable) {
   const std::vector<std::string> forbidden = {"UNIQUE",   "CHECK",   "REFERENCES", "PRIMARY",
                                               "NOT NULL", "FOREIGN", "GENERATED"};
-  for (const Row& definition : Definitions()) {
+  for (const Row& definition : database().Definitions()) {
     EXPECT_TRUE(definition[0] == "table" || definition[0] == "index") << definition[1];
     for (const std::string& word : forbidden) {
       EXPECT_EQ(definition[3].find(word), std::string::npos) << definition[3];
+    }
+  }
+}
+
+TEST_F(PostgresqlSchemaTest, NothingIsUniqueCheckedOrTiedToAnotherTable) {
+  EXPECT_EQ(Column("SELECT conname FROM pg_constraint WHERE connamespace = 'public'::regnamespace"),
+            std::vector<std::string>{});
+  EXPECT_EQ(Column("SELECT indexrelid::regclass FROM pg_index WHERE indexrelid >= 16384 AND "
+                   "indrelid::regclass::text NOT LIKE 'pg_%' AND (indisunique OR indpred IS NOT "
+                   "NULL)"),
+            std::vector<std::string>{});
+  EXPECT_EQ(Column("SELECT tgname FROM pg_trigger"), std::vector<std::string>{});
+  // Any client of the engine can write: nothing but the engine's own functions is used.
+  EXPECT_EQ(Column("SELECT proname FROM pg_proc WHERE oid >= 16384"), std::vector<std::string>{});
+  EXPECT_EQ(Column("SELECT typname FROM pg_type WHERE oid >= 16384 AND typrelid = 0 AND typelem IN "
+                   "(SELECT oid FROM pg_type WHERE typrelid = 0)"),
+            std::vector<std::string>{});
+}
+
+TEST_F(SchemaTest, EveryTextColumnComparesWithoutTrailingBlanks) {
+  for (const Table& table : Tables()) {
+    for (const auto& [name, kind] : ColumnsOf(table)) {
+      if (kind != Kind::kText) continue;
+      Execute("INSERT INTO " + table.name + "(\"" + name + "\") VALUES('AB  ')");
+      const auto found = [&, column = name](const std::string& condition) {
+        return std::get<std::int64_t>(
+            connection()
+                .Execute("SELECT count(*) FROM " + table.name + " WHERE " + column + condition)
+                ->Fields()
+                .Item(0)
+                .Value());
+      };
+      EXPECT_EQ(found(" = 'AB'"), 1) << table.name << "." << name;
+      EXPECT_EQ(found(" == 'AB    '"), 1) << table.name << "." << name;
+      EXPECT_EQ(found(" <> 'AB    '"), 0) << table.name << "." << name;
+      EXPECT_EQ(found(" = 'ab'"), 0) << table.name << "." << name;
+      EXPECT_EQ(found(" = ' AB'"), 0) << table.name << "." << name;
+      Execute("DELETE FROM " + table.name);
     }
   }
 }
@@ -696,6 +757,7 @@ class KeepingSession final : public Session {
   void Rollback() override { session_->Rollback(); }
   [[nodiscard]] bool InTransaction() const override { return session_->InTransaction(); }
   void CreateSchema() override { session_->CreateSchema(); }
+  [[nodiscard]] bool IsOpen() const override { return session_->IsOpen(); }
 
  private:
   std::unique_ptr<Session> session_;
@@ -707,12 +769,14 @@ const std::string kUnfilteredStock =
     "SELECT Pin, Datein, Doses, Lot, Vaccine, Maker, Expiry FROM Stock WHERE  tracking != ' '  "
     "and lot != ' '  order by datein desc ";
 
-class IndexTest : public SqliteSchemaTest {
+// Runs every statement that operations filter with.
+class IndexTest : public SchemaTest {
  protected:
-  void Keep(Connection& kept) {
-    ConnectionAccess::WrapSession(kept, [&](std::unique_ptr<Session> session) {
-      return std::make_unique<KeepingSession>(std::move(session), templates_);
-    });
+  // On the sample data.
+  void RunOperations() {
+    RunReads();
+    RunOrders();
+    RunRoutines();
   }
 
   void RunReads() {
@@ -777,11 +841,11 @@ class IndexTest : public SqliteSchemaTest {
   }
 
   // The other statements that operations filter with.
-  static void AddOthers(std::set<std::string>& templates) {
+  static std::vector<Statement> OtherStatements() {
     const std::string v = "X";
-    const auto add = [&](const Statement& statement) {
-      templates.insert(statement.templateText());
-    };
+    const std::string date = "1/5/2024";
+    std::vector<Statement> statements;
+    const auto add = [&](const Statement& statement) { statements.push_back(statement); };
     add(Statement() << "SELECT count(*) FROM stock WHERE ltrim(rtrim(vaccine)) = '" << v
                     << "' AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '" << v << "'");
     add(Statement() << "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" << v << "'");
@@ -794,36 +858,48 @@ class IndexTest : public SqliteSchemaTest {
     add(Statement() << "SELECT doses FROM distrib WHERE  ltrim(rtrim(FromPin)) = '" << v
                     << "' AND    ltrim(rtrim(pin)) ='" << v << "' AND    ltrim(rtrim(vaccine))='"
                     << v << "' AND    ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),'')))='" << v
-                    << "' AND    dateout={" << v << "} AND    action=1");
+                    << "' AND    dateout={" << date << "} AND    action=1");
     add(Statement() << "UPDATE distrib SET doses = " << 1 << ", units = 0, fdose1 = " << 1
-                    << ", chgdate = {" << v << "}, userid = '" << v
+                    << ", chgdate = {" << date << "}, userid = '" << v
                     << "' WHERE  ltrim(rtrim(FromPin)) = '" << v << "' AND    ltrim(rtrim(pin)) = '"
                     << v << "' AND    ltrim(rtrim(vaccine))= '" << v
                     << "' AND    ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),'')))= '" << v
-                    << "' AND    dateout= {" << v << "} AND    action= 1");
+                    << "' AND    dateout= {" << date << "} AND    action= 1");
     add(Statement() << "SELECT action FROM actref WHERE status = '" << v << "'");
     add(Statement() << "SELECT doses FROM distrib WHERE action = " << 1
                     << " AND ltrim(rtrim(pin)) = '" << v << "' AND ltrim(rtrim(vaccine)) = '" << v
                     << "' AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '" << v
-                    << "' AND dateout = {" << v << "} AND ltrim(rtrim(frompin)) = '" << v << "'");
-    add(Statement() << "UPDATE distrib SET doses  = " << 1 << ", chgdate = {" << v
+                    << "' AND dateout = {" << date << "} AND ltrim(rtrim(frompin)) = '" << v
+                    << "'");
+    add(Statement() << "UPDATE distrib SET doses  = " << 1 << ", chgdate = {" << date
                     << "}, userid = '" << v << "' WHERE action = " << 1
                     << " AND ltrim(rtrim(pin)) = '" << v << "' AND ltrim(rtrim(vaccine)) = '" << v
                     << "' AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '" << v
-                    << "' AND dateout = {" << v << "} AND ltrim(rtrim(fromPIN)) = '" << v << "'");
-    add(Statement() << "UPDATE DosesAdm  SET g1=" << 1 << ",  RowTot=" << 1 << ",  chgdate = {" << v
-                    << "},  userid = '" << v << "'  WHERE  Pin = '" << v
+                    << "' AND dateout = {" << date << "} AND ltrim(rtrim(fromPIN)) = '" << v
+                    << "'");
+    add(Statement() << "UPDATE DosesAdm  SET g1=" << 1 << ",  RowTot=" << 1 << ",  chgdate = {"
+                    << date << "},  userid = '" << v << "'  WHERE  Pin = '" << v
                     << "'  AND    ltrim(rtrim(vaccine))='" << v << "'  AND    Dose = " << 1
-                    << "  AND    sector = " << 1 << "  AND    aDate = {" << v << "} ");
-    add(Statement() << "UPDATE provider SET lastname = '" << v << "', chgdate = {" << v
+                    << "  AND    sector = " << 1 << "  AND    aDate = {" << date << "} ");
+    add(Statement() << "UPDATE provider SET lastname = '" << v << "', chgdate = {" << date
                     << "},userid = '" << v << "'WHERE ltrim(rtrim(pin)) = '" << v << "'");
     add(Statement() << "UPDATE provider SET cat2 = '" << v << "', sector = " << 1 << ", datevfc = {"
-                    << v << "} WHERE  ltrim(rtrim(Pin)) = '" << v << "' ");
+                    << date << "} WHERE  ltrim(rtrim(Pin)) = '" << v << "' ");
     add(Statement() << "UPDATE enroll SET ensource= '" << v << "', allkids1 = " << 1
                     << ",  userid = '" << v << "' WHERE  ltrim(rtrim(Pin)) = '" << v << "' ");
-    add(Statement() << "UPDATE physicn SET firstname = '" << v << "', chgdate = {" << v
+    add(Statement() << "UPDATE physicn SET firstname = '" << v << "', chgdate = {" << date
                     << "} WHERE  pin = '" << v << "' AND lastname = '" << v << "' ");
     add(Statement() << "Delete From physicn Where pin == '" << v << "'");
+    return statements;
+  }
+};
+
+class SqliteIndexPlanTest : public IndexTest {
+ protected:
+  void Keep(Connection& kept) {
+    ConnectionAccess::WrapSession(kept, [&](std::unique_ptr<Session> session) {
+      return std::make_unique<KeepingSession>(std::move(session), templates_);
+    });
   }
 
   [[nodiscard]] std::vector<std::string> Plan(const std::string& templateText) {
@@ -867,11 +943,9 @@ class IndexTest : public SqliteSchemaTest {
     EXPECT_TRUE(AddSampleData(connection()));
     Keep(*lotrix().Connection());
     Keep(connection());
-    RunReads();
-    RunOrders();
-    RunRoutines();
+    RunOperations();
     std::set<std::string> templates = std::move(templates_);
-    AddOthers(templates);
+    for (const Statement& other : OtherStatements()) templates.insert(other.templateText());
     return templates;
   }
 
@@ -879,7 +953,7 @@ class IndexTest : public SqliteSchemaTest {
   std::set<std::string> templates_;
 };
 
-TEST_F(IndexTest, ServeEveryFilterWithoutStatistics) {
+TEST_F(SqliteIndexPlanTest, ServeEveryFilterWithoutStatistics) {
   const std::set<std::string> templates = Templates();
   EXPECT_TRUE(templates.contains(kVaccineList));
   EXPECT_TRUE(templates.contains(kUnfilteredStock));
@@ -888,12 +962,126 @@ TEST_F(IndexTest, ServeEveryFilterWithoutStatistics) {
   }
 }
 
-TEST_F(IndexTest, ServeEveryFilterWithTheStatisticsOfTheSampleData) {
+TEST_F(SqliteIndexPlanTest, ServeEveryFilterWithTheStatisticsOfTheSampleData) {
   const std::set<std::string> templates = Templates();
   Execute("ANALYZE");
   for (const std::string& templateText : templates) {
     ExpectIndexed(templateText);
   }
+}
+
+// What the engine says of the plans that it has run, each with its statement's text.
+struct RunPlan {
+  std::string text;
+  nlohmann::json plan;
+};
+
+class PostgresqlIndexPlanTest : public IndexTest {
+ protected:
+  // Every session that opens from now on tells the server's log its plans. Where an
+  // index can serve, it has to, however few rows there are.
+  void Explain(const std::string& planMode) {
+    const std::string name = Query("SELECT current_database()")[0][0];
+    RawPostgresql admin("postgres", "admin");
+    for (const std::string setting :
+         {"session_preload_libraries = 'auto_explain'", "auto_explain.log_min_duration = 0",
+          "auto_explain.log_format = 'json'", "enable_seqscan = off"}) {
+      admin.Execute("ALTER DATABASE " + name + " SET " + setting);
+    }
+    admin.Execute("ALTER DATABASE " + name + " SET plan_cache_mode = " + planMode);
+    connection().Close();
+    logStart_ = std::filesystem::file_size(LogPath());
+  }
+
+  // Those of statements that read or write the tables, once for each text and plan.
+  [[nodiscard]] std::vector<RunPlan> RunPlans() const {
+    const std::string of = " " + database_ + " LOG:  duration: ";
+    std::vector<RunPlan> plans;
+    std::set<std::string> seen;
+    std::ifstream log(LogPath());
+    log.seekg(static_cast<std::streamoff>(logStart_));
+    std::string line;
+    std::getline(log, line);
+    while (log) {
+      const bool begins = line.find(of) != std::string::npos && line.ends_with(" plan:");
+      std::string entry;
+      while (std::getline(log, line) && line.starts_with('\t')) entry += line.substr(1) + "\n";
+      if (!begins) continue;
+      const nlohmann::json explained = nlohmann::json::parse(entry);
+      RunPlan run{explained.at("Query Text"), explained.at("Plan")};
+      if (ReadsTables(run.plan) && seen.insert(run.text + run.plan.dump()).second) {
+        plans.push_back(std::move(run));
+      }
+    }
+    return plans;
+  }
+
+  static void Walk(const nlohmann::json& plan,
+                   const std::function<void(const nlohmann::json&)>& visit) {
+    visit(plan);
+    if (!plan.contains("Plans")) return;
+    for (const nlohmann::json& child : plan.at("Plans")) Walk(child, visit);
+  }
+  static bool ReadsTables(const nlohmann::json& plan) {
+    bool reads = false;
+    Walk(plan, [&](const nlohmann::json& node) {
+      for (const Table& table : Tables()) reads |= node.value("Relation Name", "") == table.name;
+    });
+    return reads;
+  }
+  // Whether every table is read by a condition of an index.
+  static bool IsServed(const nlohmann::json& plan) {
+    bool served = true;
+    Walk(plan, [&](const nlohmann::json& node) {
+      const std::string type = node.at("Node Type");
+      if (type == "Seq Scan") served = false;
+      if (type.find("Index") != std::string::npos) served &= node.contains("Index Cond");
+    });
+    return served;
+  }
+
+  void ExpectEveryFilterServed(const std::string& planMode) {
+    EXPECT_TRUE(AddSampleData(connection()));
+    database_ = Query("SELECT current_database()")[0][0];
+    Explain(planMode);
+    RunOperations();
+    for (const Statement& other : OtherStatements()) connection().Execute(other);
+    std::set<std::string> served;
+    std::map<std::string, nlohmann::json> others;
+    for (const RunPlan& run : RunPlans()) {
+      if (run.text.starts_with("INSERT")) continue;
+      if (IsServed(run.plan)) {
+        served.insert(run.text);
+      } else {
+        others[run.text] = run.plan;
+      }
+    }
+    EXPECT_GE(served.size(), 45U);
+    // Without a filter are the list of vaccines and the unfiltered read of the stock.
+    std::multiset<std::string> unfiltered;
+    std::string texts;
+    for (const auto& [text, plan] : others) {
+      texts += text + "\n" + plan.dump(1) + "\n";
+      Walk(plan, [&](const nlohmann::json& node) {
+        if (node.contains("Relation Name")) unfiltered.insert(node.at("Relation Name"));
+      });
+    }
+    EXPECT_EQ(unfiltered, (std::multiset<std::string>{"pvaccref", "stock"})) << texts;
+  }
+
+ private:
+  [[nodiscard]] static std::string LogPath() { return PostgresqlServer() + "/server.log"; }
+
+  std::string database_;
+  std::uintmax_t logStart_ = 0;
+};
+
+TEST_F(PostgresqlIndexPlanTest, ServeEveryFilterWhateverTheValues) {
+  ExpectEveryFilterServed("force_generic_plan");
+}
+
+TEST_F(PostgresqlIndexPlanTest, ServeEveryFilterForTheValuesGiven) {
+  ExpectEveryFilterServed("force_custom_plan");
 }
 
 }  // namespace

@@ -174,21 +174,29 @@ void Write(const char* path, const std::string& text) {
   if (!file) throw std::runtime_error(fmt::format("cannot write {}", path));
 }
 
+void WriteAll(const char* idlFile, const char* methodsFile) {
+  Write(idlFile, Idl());
+  std::string methods;
+  for (const Member& member : Members()) methods += VtableMethod(member);
+  Write(methodsFile, methods);
+}
+
 }  // namespace
 
-}  // namespace lotrix::com
-
-int main(int argc, char** argv) {
-  using namespace lotrix::com;
+int Run(int argc, char** argv) {
+  if (argc != 3) {
+    fmt::print(stderr, "usage: write_idl IDL-FILE METHODS-FILE\n");
+    return 2;
+  }
   try {
-    if (argc != 3) throw std::runtime_error("usage: write_idl IDL-FILE METHODS-FILE");
-    Write(argv[1], Idl());
-    std::string methods;
-    for (const lotrix::Member& member : lotrix::Members()) methods += VtableMethod(member);
-    Write(argv[2], methods);
+    WriteAll(argv[1], argv[2]);
     return 0;
   } catch (const std::exception& error) {
     fmt::print(stderr, "write_idl: {}\n", error.what());
     return 1;
   }
 }
+
+}  // namespace lotrix::com
+
+int main(int argc, char** argv) { return lotrix::com::Run(argc, argv); }

@@ -19,8 +19,8 @@ enum class ConnectMode : std::int32_t { kUnknown = 0, kRead = 1, kWrite = 2, kRe
 // ADO-shaped. Used by one thread at a time; two connections share nothing but
 // the database. Which engine runs is told by the connection string alone:
 // "Provider=SQLite;Data Source=FILE" or "Provider=PostgreSQL;Host=H;Database=D". A
-// connection that its server has left is closed (State) from the call on that
-// noticed, and can be opened again.
+// connection that its server has left is closed by the call that notices, and can be
+// opened again.
 class Connection {
  public:
   Connection();
@@ -68,6 +68,17 @@ class Connection {
   [[nodiscard]] Session& OpenSession() const;
   void RequireOpen() const;
   void RequireClosed() const;
+  // Drops the session when `call` fails because its server has left it.
+  template <class Call>
+  void UnlessLost(const Call& call) {
+    try {
+      call();
+    } catch (...) {
+      DropIfLost();
+      throw;
+    }
+  }
+  void DropIfLost() noexcept;
   void DropSession() noexcept;
 
   std::string connectionString_;

@@ -127,6 +127,8 @@ class Recordset {
   void Take(std::unique_ptr<Cursor> cursor, Connection& connection);
   void FetchAhead();
   void Drop() noexcept;
+  // The same, and its connection's other ones too when its server has left it.
+  void DropAll() noexcept;
   void RequireOpen() const;
   void RequireRecord() const;
 

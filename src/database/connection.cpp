@@ -54,7 +54,7 @@ void Connection::Open(const Text& connectionString, const Text& userId, const Te
 }
 
 void Connection::Close() {
-  RequireOpen();
+  OpenSession().Close();
   DropSession();
 }
 
@@ -83,21 +83,21 @@ void Connection::BeginTrans() {
   if (OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
-  OpenSession().Begin();
+  UnlessLost([&] { session_->Begin(); });
 }
 
 void Connection::CommitTrans() {
   if (!OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "No transaction is open.");
   }
-  OpenSession().Commit();
+  UnlessLost([&] { session_->Commit(); });
 }
 
 void Connection::RollbackTrans() {
   if (!OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "No transaction is open.");
   }
-  OpenSession().Rollback();
+  UnlessLost([&] { session_->Rollback(); });
 }
 
 bool Connection::InTransaction() const {
@@ -108,7 +108,7 @@ void Connection::CreateSchema() {
   if (OpenSession().InTransaction()) {
     RaiseEngineError(EngineError::kFailed, "A transaction is open already.");
   }
-  OpenSession().CreateSchema();
+  UnlessLost([&] { session_->CreateSchema(); });
 }
 
 void ConnectionAccess::WrapSession(
@@ -122,6 +122,10 @@ std::shared_ptr<void> ConnectionAccess::ForeignObject(const Connection& connecti
   return connection.State() == ObjectState::kOpen ? connection.object_ : nullptr;
 }
 
+bool ConnectionAccess::HasKeyTransactions(const Connection& connection) {
+  return connection.OpenSession().HasKeyTransactions();
+}
+
 Session& Connection::OpenSession() const {
   RequireOpen();
   return *session_;
@@ -133,6 +137,10 @@ void Connection::RequireOpen() const {
 
 void Connection::RequireClosed() const {
   if (State() == ObjectState::kOpen) RaiseRuntimeError(RuntimeError::kObjectIsOpen);
+}
+
+void Connection::DropIfLost() noexcept {
+  if (session_ != nullptr && !session_->IsOpen()) DropSession();
 }
 
 }  // namespace lotrix

@@ -20,6 +20,9 @@ struct ConnectionAccess {
   // The connection object of another program that the open connection works
   // through; null for the engines that are built in.
   static std::shared_ptr<void> ForeignObject(const Connection& connection);
+
+  // Of an open connection; throws 3704 otherwise.
+  static bool HasKeyTransactions(const Connection& connection);
 };
 
 }  // namespace lotrix

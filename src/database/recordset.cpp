@@ -93,12 +93,16 @@ void Recordset::Open(const Text& source, Connection& connection, CursorType curs
 void Recordset::Open(const Statement& source, Connection& connection, CursorType cursor,
                      LockType lock, CommandType options) {
   Session& session = RequireReady(connection, source);
-  Take(session.OpenRecordset(source, cursor, lock, options), connection);
+  std::unique_ptr<Cursor> opened;
+  connection.UnlessLost([&] { opened = session.OpenRecordset(source, cursor, lock, options); });
+  Take(std::move(opened), connection);
 }
 
 void Recordset::Execute(const Statement& statement, Connection& connection) {
   Session& session = RequireReady(connection, statement);
-  Take(session.Run(statement), connection);
+  std::unique_ptr<Cursor> cursor;
+  connection.UnlessLost([&] { cursor = session.Run(statement); });
+  Take(std::move(cursor), connection);
 }
 
 Session& Recordset::RequireReady(Connection& connection, const Statement& statement) const {
@@ -148,7 +152,7 @@ void Recordset::FetchAhead() {
     fetched_ = true;
   } catch (...) {
     // Half of the records are no answer.
-    Drop();
+    DropAll();
     throw;
   }
 }
@@ -170,7 +174,7 @@ void Recordset::MoveNext() {
       cursor_->Next();
     } catch (...) {
       // Stepping on would run the query once more.
-      Drop();
+      DropAll();
       throw;
     }
   }
@@ -190,6 +194,12 @@ void Recordset::Drop() noexcept {
   ahead_ = {};
   nextAhead_ = 0;
   fetched_ = false;
+}
+
+void Recordset::DropAll() noexcept {
+  Connection* const connection = connection_;
+  Drop();
+  connection->DropIfLost();
 }
 
 void Recordset::RequireOpen() const {

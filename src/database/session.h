@@ -52,11 +52,16 @@ class Session {
   }
   // False once what stands behind the session is closed or lost.
   [[nodiscard]] virtual bool IsOpen() const { return true; }
+  // Whether a key may be read and stored in one transaction of the engine. Not where
+  // the tables are another program's, which may have none to give.
+  [[nodiscard]] virtual bool HasKeyTransactions() const { return true; }
   virtual void Begin() = 0;
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InTransaction() const = 0;
   virtual void CreateSchema() = 0;
+  // What has to be closed by its name and does not go with the session.
+  virtual void Close() {}
 };
 
 // What a connection is opened with.

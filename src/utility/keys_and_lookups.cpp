@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "src/database/connection_access.h"
 #include "src/errors/raise_error.h"
 #include "src/platform/text.h"
 #include "src/platform/values.h"
@@ -17,7 +18,8 @@ namespace {
 class KeyTransaction {
  public:
   explicit KeyTransaction(Connection& connection)
-      : connection_(connection), own_(!connection.InTransaction()) {
+      : connection_(connection),
+        own_(ConnectionAccess::HasKeyTransactions(connection) && !connection.InTransaction()) {
     if (own_) connection_.BeginTrans();
   }
   ~KeyTransaction() {

@@ -162,8 +162,18 @@ def rows_of_a_connection_of_their_own(database):
     return connection.Execute(PROVIDERS)
 
 
-def test_rows_keep_their_connection(database):
-    rows = rows_of_a_connection_of_their_own(database)
+def opened_rows_of_a_connection_of_their_own(database):
+    connection = lotrix.Connection()
+    connection.Open(database.connection_string)
+    rows = lotrix.Recordset()
+    rows.Open(PROVIDERS, connection)
+    return rows
+
+
+@pytest.mark.parametrize("make", [rows_of_a_connection_of_their_own,
+                                  opened_rows_of_a_connection_of_their_own])
+def test_rows_keep_their_connection(database, make):
+    rows = make(database)
     gc.collect()
     assert rows.Fields[0].Value == "P00001"
 

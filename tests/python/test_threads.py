@@ -166,19 +166,22 @@ def test_two_objects_are_two(database, log, patient):
     worker.finish()
 
 
-def test_rows_let_go_during_a_call_are_closed_after_it(database, log):
+def test_rows_let_go_during_a_call_are_closed_after_it_and_not_under_it(database, log):
     rows = []
 
     def clock():
-        rows.clear()
+        if rows:
+            rows.clear()
+            database.query("UPDATE provider SET note = 'x' WHERE pin = 'P00001'")
         return datetime.datetime(2026, 11, 20)
 
     service = lotrix.cLotrix(database.connection_string, clock=clock)
     rows.append(service.Connection.Execute(QUERY))
-    service.CheckVaccActive("DTAP")
+    # Open rows keep their view of the database, so a write is busy when others have written.
+    with pytest.raises(lotrix.Error) as refused:
+        service.physicianDeleteByPin("P00001")
+    assert refused.value.number == 0x80040E31 - 2**32
     assert rows == []
-    # Open rows would keep their view of the database, and this write would be busy.
-    database.query("UPDATE provider SET note = 'x' WHERE pin = 'P00001'")
     service.physicianDeleteByPin("P00001")
     assert database.query("SELECT count(*) FROM physicn WHERE pin = 'P00001'") == [(0,)]
 

@@ -47,6 +47,7 @@ class WatchedSession final : public Session {
   void Rollback() override { session_->Rollback(); }
   [[nodiscard]] bool InTransaction() const override { return session_->InTransaction(); }
   void CreateSchema() override { session_->CreateSchema(); }
+  [[nodiscard]] bool IsOpen() const override { return session_->IsOpen(); }
 
  private:
   std::unique_ptr<Session> session_;

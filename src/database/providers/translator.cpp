@@ -119,7 +119,7 @@ void Translator::WriteDate() {
     RaiseEngineError(EngineError::kValueCannotBeConverted, "A date literal holds no date.");
   }
   const Date* const day = std::get_if<Date>(&date);
-  Write(day == nullptr ? std::string(words_.missingDate) : '\'' + IsoDateText(*day) + '\'');
+  Write(day == nullptr ? "NULL" : '\'' + IsoDateText(*day) + '\'');
 }
 
 void Translator::WriteOperator() {

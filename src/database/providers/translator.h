@@ -22,7 +22,6 @@ struct Translation {
 struct EngineWords {
   std::string_view truth;
   std::string_view falsehood;
-  std::string_view missingDate;
   bool numbersParameters;  // $1, $2, …, else question marks
 };
 

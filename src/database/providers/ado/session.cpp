@@ -143,13 +143,9 @@ std::unique_ptr<Cursor> CursorOn(Held<IDispatch> recordset) {
 class AdoSession final : public Session {
  public:
   explicit AdoSession(std::shared_ptr<void> connection) : connection_(std::move(connection)) {}
-  ~AdoSession() override {
-    try {
-      if (IsOpenObject(object())) Call(object(), L"Close");
-    } catch (...) {
-      // A connection that is lost cannot be closed either.
-    }
-  }
+
+  // The object goes with its last reference, which may be the client's.
+  void Close() override { Call(object(), L"Close"); }
 
   std::unique_ptr<Cursor> Run(const Statement& statement) override {
     constexpr std::int32_t kUnspecifiedOptions = -1;
@@ -178,6 +174,7 @@ class AdoSession final : public Session {
     }
   }
 
+  [[nodiscard]] bool HasKeyTransactions() const override { return false; }
   void Begin() override {
     Call(object(), L"BeginTrans");
     inTransaction_ = true;

@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "src/errors/raise_error.h"
+
 namespace lotrix::postgresql {
 
 namespace {
 
-// transform_null_equals changes what a bare NULL means behind an equals sign.
-constexpr EngineWords kWords = {.truth = "TRUE",
-                                .falsehood = "FALSE",
-                                .missingDate = "CAST(NULL AS date)",
-                                .numbersParameters = true};
+constexpr EngineWords kWords = {.truth = "TRUE", .falsehood = "FALSE", .numbersParameters = true};
 
 // What is written behind an operand that is compared.
 constexpr std::string_view kCompared = " AS bpchar)";
@@ -33,6 +31,10 @@ struct Level {
   bool isUnion = false;
   bool descending = false;  // of an item of ORDER BY
 };
+
+[[noreturn]] void Refuse(std::string_view why) {
+  RaiseEngineError(EngineError::kStatementRefused, why);
+}
 
 bool IsName(const Token& token) { return token.kind == TokenKind::kName; }
 
@@ -121,6 +123,7 @@ class PostgresqlTranslator final : public Translator {
   void EnterClause() {
     const std::string& word = Here().content;
     if (word == "SELECT") {
+      RequireItems();
       // The rows of a subquery are compared with what stands before it.
       level().listIsCompared = level().clause == Clause::kCondition || ComparesItsRows();
       level().clause = Clause::kList;
@@ -141,6 +144,16 @@ class PostgresqlTranslator final : public Translator {
     } else if (word == "DESC") {
       level().descending = true;
     }
+  }
+
+  // The engine has rows without columns, which nobody can mean.
+  void RequireItems() const {
+    if (at_ + 1 == tokens_.size()) Refuse("A SELECT names no columns.");
+    const Token& next = tokens_[at_ + 1];
+    for (const std::string_view word : {"FROM", "WHERE", "GROUP", "HAVING", "ORDER", "UNION"}) {
+      if (IsKeyword(next, word)) Refuse("A SELECT names no columns.");
+    }
+    if (IsOperator(next, ")")) Refuse("A SELECT names no columns.");
   }
 
   // Whether the SELECT that begins here tells its rows apart.
@@ -192,10 +205,20 @@ class PostgresqlTranslator final : public Translator {
     if (OpensFunction(at_)) {
       WrapFunction();
     } else if (IsName(Here())) {
+      RequireQualifier();
       if (BeginsColumn())
         WrapIfCompared(LastOfOperand(at_), [&] { return IsColumn(at_, Kind::kText); });
     } else if (Here().kind == TokenKind::kText && ComparesLiterals()) {
       Wrap("CAST(", at_, kComparedByBytes);
+    }
+  }
+
+  // What the engine says of such a name would pass for a missing table.
+  void RequireQualifier() const {
+    if (at_ + 1 == tokens_.size() || !IsOperator(tokens_[at_ + 1], ".")) return;
+    if (std::none_of(sources_.begin(), sources_.end(),
+                     [&](const Source& s) { return s.alias == Here().content; })) {
+      Refuse("A column is qualified with a name that is none of a table of the statement.");
     }
   }
 

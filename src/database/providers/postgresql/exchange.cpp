@@ -2,6 +2,10 @@
 
 #include <poll.h>
 
+#include <array>
+#include <chrono>
+#include <memory>
+
 #include "src/database/providers/postgresql/errors.h"
 #include "src/errors/raise_error.h"
 
@@ -75,6 +79,46 @@ Result Exchange::Send() {
   Result answer = Read();
   if (!IsFailure(answer)) ++succeeded_;
   return answer;
+}
+
+void Exchange::Abandon() {
+  constexpr auto kPatience = std::chrono::milliseconds(20);
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  bool cancelled = false;
+  for (;;) {
+    if (!cancelled && !AnswersBefore(end)) {
+      Cancel();
+      cancelled = true;
+    }
+    Result answer = Read();
+    if (PQresultStatus(answer.get()) == PGRES_SINGLE_TUPLE) continue;
+    Finish(std::move(answer));
+    return;
+  }
+}
+
+bool Exchange::AnswersBefore(std::chrono::steady_clock::time_point end) {
+  using std::chrono::milliseconds;
+  for (;;) {
+    const auto left =
+        std::chrono::duration_cast<milliseconds>(end - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return false;
+    if (PQisBusy(link_.get()) == 0) return true;
+    pollfd socket = {.fd = PQsocket(link_.get()), .events = POLLIN, .revents = 0};
+    poll(&socket, 1, static_cast<int>(left.count()));
+    if (PQconsumeInput(link_.get()) != 1) Lose(nullptr);
+  }
+}
+
+// Returns when the server has heard it, so that it cannot hit what comes next.
+void Exchange::Cancel() {
+  struct FreeCancel {
+    void operator()(PGcancel* cancel) const { PQfreeCancel(cancel); }
+  };
+  constexpr std::size_t kMessageSize = 256;
+  std::array<char, kMessageSize> message{};
+  const std::unique_ptr<PGcancel, FreeCancel> cancel(PQgetCancel(link_.get()));
+  PQcancel(cancel.get(), message.data(), static_cast<int>(message.size()));
 }
 
 Result Exchange::Finish(Result last) {

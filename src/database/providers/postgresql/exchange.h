@@ -4,6 +4,7 @@
 
 #include <libpq-fe.h>
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -51,6 +52,9 @@ class Exchange {
   [[nodiscard]] int Added() const { return added_; }
   // The next row; nothing, or a failure, behind the last.
   Result NextRow() { return Read(); }
+  // Ends a query whose rows nobody wants any more, and finishes. One that has many
+  // more is cancelled.
+  void Abandon();
   // To be called when the last answer is there. Gives that answer back if it is a
   // failure, or else what failed at the very end, or nothing.
   Result Finish(Result last);
@@ -68,6 +72,8 @@ class Exchange {
   enum class Transaction { kNone, kWanted, kOpen };
 
   void RequireOpen();
+  [[nodiscard]] bool AnswersBefore(std::chrono::steady_clock::time_point end);
+  void Cancel();
   void RequireSent(int sent);
   Result Read();
   Result ReadToEnd(Result last);

@@ -48,16 +48,32 @@ void AddUri(const std::string& uri, Parameters& parameters) {
   }
 }
 
-// One for all hosts, or one for each; none stands for the usual one.
-void RequirePorts(std::string_view ports) {
-  while (!ports.empty()) {
-    const std::string_view port = ports.substr(0, ports.find(','));
-    std::uint16_t number = 0;
-    const auto read = std::from_chars(port.data(), port.data() + port.size(), number);
-    if (!port.empty() && (read.ec != std::errc() || read.ptr != port.data() + port.size())) {
+template <class Number>
+bool IsNumber(std::string_view text) {
+  Number number = 0;
+  const char* const end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, number);
+  return read.ec == std::errc() && read.ptr == end;
+}
+
+// The library finds these wrong only when it connects, and then says so in words
+// alone.
+void RequireNumbers(std::string_view keyword, std::string_view value) {
+  for (const std::string_view whole :
+       {"connect_timeout", "keepalives", "keepalives_idle", "keepalives_interval",
+        "keepalives_count", "tcp_user_timeout"}) {
+    if (keyword == whole && !value.empty() && !IsNumber<std::int32_t>(value)) {
+      Refuse("the value of " + std::string(keyword) + " is not one it can take.");
+    }
+  }
+  if (keyword != "port") return;
+  // One for all hosts, or one for each; none stands for the usual one.
+  while (!value.empty()) {
+    const std::string_view port = value.substr(0, value.find(','));
+    if (!port.empty() && !IsNumber<std::uint16_t>(port)) {
       Refuse("the value of Port is not one it can take.");
     }
-    ports.remove_prefix(std::min(port.size() + 1, ports.size()));
+    value.remove_prefix(std::min(port.size() + 1, value.size()));
   }
 }
 
@@ -75,9 +91,9 @@ Parameters ReadParameters(const ConnectionSettings& settings) {
                                                     : keyword;
     // Not named: it may be what is left of a value that needed quotes.
     if (!IsKeyword(name)) Refuse("a keyword is unknown.");
-    if (name == "port") RequirePorts(value);
     parameters.emplace_back(name, value);
   }
+  for (const auto& [keyword, value] : parameters) RequireNumbers(keyword, value);
   parameters.emplace_back("client_encoding", "UTF8");
   parameters.emplace_back("fallback_application_name", "lotrix");
   return parameters;
@@ -180,9 +196,12 @@ Link Connect(const ConnectionSettings& settings, ConnectMode mode) {
     if (PQstatus(link.get()) == CONNECTION_BAD) RaiseLost(false, {}, SqlState(result.get()));
     RaisePostgresqlError(result.get());
   }
-  // Queries here are over before their compilation would pay. A server that does not
-  // know the setting does not compile them.
-  const Result ignored(PQexec(link.get(), "SET jit = off"));
+  // Queries here are over before their compilation would pay; and a comparison with
+  // NULL is none with IS NULL. A server that does not know the one or the other does
+  // not do it.
+  for (const char* const setting : {"SET jit = off", "SET transform_null_equals = off"}) {
+    const Result ignored(PQexec(link.get(), setting));
+  }
   return link;
 }
 

@@ -64,28 +64,29 @@ struct Line {
     Result row = exchange.NextRow();
     if (PQresultStatus(row.get()) == PGRES_SINGLE_TUPLE) return row;
     reader = nullptr;
-    reading = false;
     const Result failure = exchange.Finish(std::move(row));
     if (failure != nullptr) RaisePostgresqlError(failure.get());
     return nullptr;
   }
 
-  // Before anything else is said: the rows of earlier queries are taken, or passed
-  // over when nobody wants them any more.
+  // Before anything else is said.
   void EndReading() {
     if (reader != nullptr) reader->TakeRest();
+  }
+
+  // Nobody wants the rest of the rows, nor what may be wrong with them.
+  void Abandon() noexcept {
+    if (reader == nullptr) return;
+    reader = nullptr;
     try {
-      while (reading && NextRow() != nullptr) {
-      }
+      exchange.Abandon();
     } catch (...) {
-      // Nobody waits for these rows, nor for what is wrong with them.
-      reading = false;
+      // The next statement finds out that the server is gone.
     }
   }
 
   Exchange exchange;
-  Reader* reader = nullptr;
-  bool reading = false;  // with or without a reader
+  Reader* reader = nullptr;  // while an exchange's rows are being read
 };
 
 class PostgresqlCursor final : public Cursor, private Reader {
@@ -97,7 +98,7 @@ class PostgresqlCursor final : public Cursor, private Reader {
     if (row_ != nullptr) line_->reader = this;
   }
   ~PostgresqlCursor() override {
-    if (line_->reader == this) line_->reader = nullptr;
+    if (line_->reader == this) line_->Abandon();
   }
   PostgresqlCursor(const PostgresqlCursor&) = delete;
   PostgresqlCursor& operator=(const PostgresqlCursor&) = delete;
@@ -141,8 +142,8 @@ class PostgresqlCursor final : public Cursor, private Reader {
     try {
       while (const Result row = line_->NextRow()) rest_.Add(row.get());
     } catch (...) {
-      line_->reader = nullptr;
       failure_ = std::current_exception();
+      line_->Abandon();
     }
   }
 
@@ -330,7 +331,6 @@ class PostgresqlSession final : public Session {
       prepared.columns = std::make_shared<const std::vector<Column>>(ReadColumns(answer.get()));
     }
     if (status == PGRES_SINGLE_TUPLE) {
-      line_->reading = true;
       return std::make_unique<PostgresqlCursor>(line_, prepared.columns, std::move(answer));
     }
     const Result failure = line_->exchange.Finish(std::move(answer));

@@ -4,8 +4,7 @@ namespace lotrix::sqlite {
 
 namespace {
 
-constexpr EngineWords kWords = {
-    .truth = "1", .falsehood = "0", .missingDate = "NULL", .numbersParameters = false};
+constexpr EngineWords kWords = {.truth = "1", .falsehood = "0", .numbersParameters = false};
 
 // Columns compare without their trailing blanks because they are declared so;
 // texts and function results have to be told.
