@@ -1,6 +1,7 @@
 #include "src/database/providers/postgresql/dialect.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "src/errors/raise_error.h"
@@ -19,6 +20,7 @@ constexpr std::string_view kComparedByBytes = " AS bpchar) COLLATE \"C\"";
 struct Source {
   std::string table;
   std::string alias;
+  std::size_t select;  // where the SELECT is that reads it
 };
 
 enum class Clause { kOther, kList, kFrom, kSet, kCondition, kGroup, kOrder };
@@ -30,6 +32,7 @@ struct Level {
   bool listIsCompared = false;  // of a SELECT
   bool isUnion = false;
   bool descending = false;  // of an item of ORDER BY
+  std::size_t select = 0;   // where it is
 };
 
 [[noreturn]] void Refuse(std::string_view why) {
@@ -46,7 +49,11 @@ bool EndsOperand(const Token& token) {
 
 std::vector<Source> SourcesOf(const std::vector<Token>& tokens) {
   std::vector<Source> sources;
-  std::vector<bool> inFrom{false};  // one for each open parenthesis
+  struct Open {
+    bool inFrom = false;
+    std::size_t select = 0;
+  };
+  std::vector<Open> levels{{}};  // one for each open parenthesis
   bool expected = false;
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     const Token& token = tokens[i];
@@ -55,24 +62,40 @@ std::vector<Source> SourcesOf(const std::vector<Token>& tokens) {
       std::size_t behind = i + 1;
       if (behind < tokens.size() && IsKeyword(tokens[behind], "AS")) ++behind;
       const bool renamed = behind < tokens.size() && IsName(tokens[behind]);
-      sources.push_back({token.content, tokens[renamed ? behind : i].content});
+      sources.push_back(
+          {token.content, tokens[renamed ? behind : i].content, levels.back().select});
     } else if (token.kind == TokenKind::kKeyword) {
       const bool from = token.content == "FROM" || token.content == "JOIN";
       expected = from || token.content == "UPDATE" || token.content == "INTO";
       const bool continues = token.content == "AS" || token.content == "ON" ||
                              token.content == "INNER" || token.content == "LEFT" ||
                              token.content == "OUTER" || token.content == "AND";
-      if (!continues) inFrom.back() = from;
+      if (!continues) levels.back().inFrom = from;
+      if (token.content == "SELECT") levels.back().select = i;
     } else if (IsOperator(token, "(")) {
       expected = false;
-      inFrom.push_back(false);
+      levels.emplace_back();
     } else if (IsOperator(token, ")")) {
-      if (inFrom.size() > 1) inFrom.pop_back();
+      if (levels.size() > 1) levels.pop_back();
     } else if (IsOperator(token, ",")) {
-      expected = inFrom.back();
+      expected = levels.back().inFrom;
     }
   }
   return sources;
+}
+
+// For each opening parenthesis where it is closed: at the last token when it is not,
+// which the engine will say.
+std::vector<std::size_t> ClosingsOf(const std::vector<Token>& tokens) {
+  std::vector<std::size_t> closings(tokens.size(), tokens.size() - 1);
+  std::vector<std::size_t> open;
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    if (IsOperator(tokens[i], "(")) open.push_back(i);
+    if (!IsOperator(tokens[i], ")") || open.empty()) continue;
+    closings[open.back()] = i;
+    open.pop_back();
+  }
+  return closings;
 }
 
 class PostgresqlTranslator final : public Translator {
@@ -81,12 +104,14 @@ class PostgresqlTranslator final : public Translator {
       : Translator(ReadTokens(templateText), kWords),
         tables_(tables),
         sources_(SourcesOf(tokens_)),
-        closings_(tokens_.size()) {}
+        closingOf_(ClosingsOf(tokens_)),
+        written_(tokens_.size()) {}
 
   Translation Translate(bool locksRows) && {
     Translation translation;
     result_ = &translation;
-    for (const Source& source : sources_) translation.tables.push_back(source.table);
+    for (const Source& source : sources_) allTables_.insert(source.table);
+    translation.tables.assign(allTables_.begin(), allTables_.end());
     translation.isQuery = IsKeyword(tokens_.front(), "SELECT");
     Walk(translation);
     if (levels_.back().clause == Clause::kOrder) {
@@ -115,7 +140,7 @@ class PostgresqlTranslator final : public Translator {
       inner.listIsCompared = level().listIsCompared;
       levels_.push_back(inner);
     }
-    translation_->sql += closings_[at_];
+    translation_->sql += written_[at_];
   }
 
   [[nodiscard]] Level& level() { return levels_.back(); }
@@ -127,6 +152,7 @@ class PostgresqlTranslator final : public Translator {
       // The rows of a subquery are compared with what stands before it.
       level().listIsCompared = level().clause == Clause::kCondition || ComparesItsRows();
       level().clause = Clause::kList;
+      level().select = at_;
     } else if (word == "FROM" || word == "JOIN" || word == "INNER" || word == "LEFT") {
       level().clause = Clause::kFrom;
     } else if (word == "SET") {
@@ -161,11 +187,8 @@ class PostgresqlTranslator final : public Translator {
     const bool distinct = at_ + 1 < tokens_.size() && IsKeyword(tokens_[at_ + 1], "DISTINCT");
     if (distinct && levels_.size() == 1) distinctItems_ = CountItems(at_ + 2);
     if (distinct || level().isUnion) return true;
-    int depth = 0;
-    for (std::size_t i = at_ + 1; i < tokens_.size() && depth >= 0; ++i) {
-      if (IsOperator(tokens_[i], "(")) ++depth;
-      if (IsOperator(tokens_[i], ")")) --depth;
-      if (depth != 0) continue;
+    for (std::size_t i = at_ + 1; i < tokens_.size() && !IsOperator(tokens_[i], ")"); ++i) {
+      if (IsOperator(tokens_[i], "(")) i = closingOf_[i];
       if (IsKeyword(tokens_[i], "UNION")) level().isUnion = true;
       if (IsKeyword(tokens_[i], "GROUP") || IsKeyword(tokens_[i], "UNION")) return true;
     }
@@ -176,11 +199,8 @@ class PostgresqlTranslator final : public Translator {
   // told from its words.
   [[nodiscard]] int CountItems(std::size_t first) const {
     int items = 1;
-    int depth = 0;
     for (std::size_t i = first; i < tokens_.size() && !IsKeyword(tokens_[i], "FROM"); ++i) {
-      if (IsOperator(tokens_[i], "(")) ++depth;
-      if (IsOperator(tokens_[i], ")")) --depth;
-      if (depth != 0) continue;
+      if (IsOperator(tokens_[i], "(")) i = closingOf_[i];
       if (IsOperator(tokens_[i], "*")) return 0;
       if (IsOperator(tokens_[i], ",")) ++items;
     }
@@ -234,7 +254,7 @@ class PostgresqlTranslator final : public Translator {
     }
     if ((name == "upper" || name == "lower") && argument < tokens_.size() &&
         tokens_[argument].kind == TokenKind::kText) {
-      closings_[argument] = " COLLATE \"C\"";
+      written_[argument] = " COLLATE \"C\"";
     }
     WrapIfCompared(last, [&] { return GivesText(at_); });
   }
@@ -267,29 +287,19 @@ class PostgresqlTranslator final : public Translator {
     Write(opening);
     afterOpening_ = true;
     // What was opened before this one is closed behind it.
-    closings_[last].insert(0, closing);
+    written_[last].insert(0, closing);
   }
 
   [[nodiscard]] std::size_t LastOfOperand(std::size_t first) const {
     const auto isAt = [&](std::size_t index, std::string_view text) {
       return index < tokens_.size() && IsOperator(tokens_[index], text);
     };
-    if (isAt(first, "(")) return ClosingOf(first);
-    if (IsName(tokens_[first]) && isAt(first + 1, "(")) return ClosingOf(first + 1);
+    if (isAt(first, "(")) return closingOf_[first];
+    if (IsName(tokens_[first]) && isAt(first + 1, "(")) return closingOf_[first + 1];
     if (IsName(tokens_[first]) && isAt(first + 1, ".") && first + 2 < tokens_.size()) {
       return first + 2;
     }
     return first;
-  }
-
-  // The last token when it is not closed; the engine will say so.
-  [[nodiscard]] std::size_t ClosingOf(std::size_t opening) const {
-    int depth = 0;
-    for (std::size_t i = opening; i < tokens_.size(); ++i) {
-      if (IsOperator(tokens_[i], "(")) ++depth;
-      if (IsOperator(tokens_[i], ")") && --depth == 0) return i;
-    }
-    return tokens_.size() - 1;
   }
 
   // Whether the name here is a column's, or qualifies one, and not an alias behind
@@ -334,13 +344,14 @@ class PostgresqlTranslator final : public Translator {
   }
 
   [[nodiscard]] bool GivesText(std::size_t index) {
+    // The largest and the smallest are of their argument's type.
+    while (OpensFunction(index) && index + 2 < tokens_.size() &&
+           (tokens_[index].content == "max" || tokens_[index].content == "min")) {
+      index += 2;
+    }
     if (tokens_[index].kind == TokenKind::kText) return true;
-    if (!IsName(tokens_[index])) return false;
-    if (!OpensFunction(index)) return IsColumn(index, Kind::kText);
-    const std::string& name = tokens_[index].content;
-    const bool givesItsArgument = name == "max" || name == "min";
-    return givesItsArgument && index + 2 < tokens_.size() ? GivesText(index + 2)
-                                                          : FunctionNamed(name).givesText;
+    return OpensFunction(index) ? FunctionNamed(tokens_[index].content).givesText
+                                : IsColumn(index, Kind::kText);
   }
 
   // All columns of distinct rows have to be named, to have the texts among them
@@ -358,7 +369,10 @@ class PostgresqlTranslator final : public Translator {
     std::string_view separator;
     for (const Source& source : sources_) {
       const auto table = tables_.find(source.table);
-      if (table == tables_.end() || (star != at_ && source.alias != qualifier)) continue;
+      if (table == tables_.end() || source.select != level().select ||
+          (star != at_ && source.alias != qualifier)) {
+        continue;
+      }
       for (const TableColumn& column : table->second) {
         const std::string name = '"' + source.alias + "\".\"" + column.name + '"';
         translation_->sql += separator;
@@ -371,20 +385,23 @@ class PostgresqlTranslator final : public Translator {
     return true;
   }
 
-  // An unqualified name is looked for in all tables of the statement.
+  // Whether that is a column of this kind. An unqualified name is looked for in all
+  // tables of the statement.
   [[nodiscard]] bool IsColumn(std::size_t index, Kind kind) {
     if (!IsName(tokens_[index])) return false;
-    const std::size_t last = LastOfOperand(index);
-    const std::string& qualifier = tokens_[index].content;
-    const bool qualified =
-        last != index && std::any_of(sources_.begin(), sources_.end(),
-                                     [&](const Source& s) { return s.alias == qualifier; });
     result_->asksForColumns = true;
+    const std::size_t last = LastOfOperand(index);
+    std::set<std::string> qualified;
+    if (last != index) {
+      for (const Source& source : sources_) {
+        if (source.alias == tokens_[index].content) qualified.insert(source.table);
+      }
+    }
+    const std::set<std::string>& candidates = last == index ? allTables_ : qualified;
     bool found = false;
     bool isOfKind = true;
-    for (const Source& source : sources_) {
-      if (qualified && source.alias != qualifier) continue;
-      const auto table = tables_.find(source.table);
+    for (const std::string& name : candidates) {
+      const auto table = tables_.find(name);
       if (table == tables_.end()) continue;
       for (const TableColumn& column : table->second) {
         if (column.name != tokens_[last].content) continue;
@@ -398,9 +415,11 @@ class PostgresqlTranslator final : public Translator {
 
   const Tables& tables_;
   std::vector<Source> sources_;
+  std::set<std::string> allTables_;
   std::vector<Level> levels_{Level{}};
-  std::vector<std::string> closings_;  // what is written behind each token
-  int distinctItems_ = 0;              // of the outermost SELECT, if it is DISTINCT
+  std::vector<std::size_t> closingOf_;
+  std::vector<std::string> written_;  // behind each token
+  int distinctItems_ = 0;             // of the outermost SELECT, if it is DISTINCT
   Translation* result_ = nullptr;
 };
 

@@ -34,6 +34,19 @@ bool IsFailure(const Result& answer) {
   }
 }
 
+Exchange::Exchange(Link link) : link_(std::move(link)) {
+  PQsetNoticeReceiver(link_.get(), Hear, lastWord_.get());
+}
+
+// Between two exchanges the library takes a failure for a notice.
+void Exchange::Hear(void* lastWord, const PGresult* notice) {
+  constexpr std::string_view kShutdown = "57P";
+  const std::string_view state = SqlState(notice);
+  if (!EndsSession(notice) && !state.starts_with(kShutdown)) return;
+  const char* const message = PQresultErrorField(notice, PG_DIAG_MESSAGE_PRIMARY);
+  *static_cast<LastWord*>(lastWord) = {std::string(state), message == nullptr ? "" : message};
+}
+
 void Exchange::Begin(bool changes) {
   RequireOpen();
   inDoubt_ = changes;
@@ -211,9 +224,9 @@ void Exchange::RequireOpen() {
   inDoubt_ = false;
   pollfd socket = {.fd = PQsocket(link_.get()), .events = POLLIN, .revents = 0};
   while (poll(&socket, 1, 0) > 0) {
-    if (PQconsumeInput(link_.get()) != 1) Lose(nullptr);
-    // Takes what the server says unasked, a last word among it.
+    // Takes what the server has said unasked, a last word among it.
     static_cast<void>(PQisBusy(link_.get()));
+    if (PQconsumeInput(link_.get()) != 1) Lose(nullptr);
   }
 }
 
@@ -233,7 +246,9 @@ void Exchange::Lose(const PGresult* last) {
   const Link lost = std::move(link_);
   transaction_ = Transaction::kNone;
   const char* const said = PQresultErrorField(last, PG_DIAG_MESSAGE_PRIMARY);
-  RaiseLost(inDoubt_, said != nullptr ? said : PQerrorMessage(lost.get()), SqlState(last));
+  if (said != nullptr && !SqlState(last).empty()) RaiseLost(inDoubt_, said, SqlState(last));
+  if (!lastWord_->message.empty()) RaiseLost(inDoubt_, lastWord_->message, lastWord_->sqlState);
+  RaiseLost(inDoubt_, PQerrorMessage(lost.get()), {});
 }
 
 }  // namespace lotrix::postgresql

@@ -5,6 +5,7 @@
 #include <libpq-fe.h>
 
 #include <chrono>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,7 +32,7 @@ struct Arguments {
 // effect, once the server is gone; the connection is closed then.
 class Exchange {
  public:
-  explicit Exchange(Link link) : link_(std::move(link)) {}
+  explicit Exchange(Link link);
 
   [[nodiscard]] bool IsOpen() const { return link_ != nullptr; }
   [[nodiscard]] bool InTransaction() const { return transaction_ != Transaction::kNone; }
@@ -81,7 +82,15 @@ class Exchange {
   void SettleTransaction();
   [[noreturn]] void Lose(const PGresult* last);
 
+  // What the server said unasked when it ended the connection.
+  struct LastWord {
+    std::string sqlState;
+    std::string message;
+  };
+  static void Hear(void* lastWord, const PGresult* notice);
+
   Link link_;
+  std::unique_ptr<LastWord> lastWord_ = std::make_unique<LastWord>();  // stays where it is
   Transaction transaction_ = Transaction::kNone;
   bool hasSavepoint_ = false;
   bool inDoubt_ = false;
