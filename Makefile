@@ -6,7 +6,7 @@ WINDOWS_WERROR = $(if $(filter ci,$(PRESET)),ON,OFF)
 PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 
-.PHONY: build demo install test windows bench fuzz lint format sanitize clean
+.PHONY: build demo install test windows bench soak fuzz lint format sanitize clean
 
 build:
 	scripts/install-deps build test
@@ -39,6 +39,13 @@ bench:
 	cmake --preset bench >/dev/null
 	cmake --build --preset bench -j $(JOBS)
 	scripts/bench build/bench
+
+# Ten minutes at most.
+soak:
+	scripts/install-deps build test
+	cmake --preset soak >/dev/null
+	cmake --build --preset soak -j $(JOBS)
+	timeout --kill-after=15 580 soak/run build/soak
 
 sanitize:
 	scripts/install-deps build test
