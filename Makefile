@@ -35,7 +35,7 @@ windows:
 	cmake -E copy_directory build/windows/x86_64/com/generated/include build/windows/include
 
 bench:
-	scripts/install-deps build bench
+	scripts/install-deps build test bench
 	cmake --preset bench >/dev/null
 	cmake --build --preset bench -j $(JOBS)
 	scripts/bench build/bench

@@ -1,12 +1,10 @@
 // The floor of an operation: the statements it runs, recorded once and run again
-// with prepared SQLite calls, and the lines it logs, written in one piece.
+// with the engine's own prepared calls, and the lines it logs, written in one piece.
 #ifndef LOTRIX_BENCH_RECORDING_H
 #define LOTRIX_BENCH_RECORDING_H
 
-#include <sqlite3.h>
-
 #include <functional>
-#include <map>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -20,6 +18,8 @@ using BoundValue = std::variant<Null, std::int64_t, double, std::string>;
 struct RecordedStatement {
   std::string sql;
   std::vector<BoundValue> values;
+  std::vector<unsigned> types;  // of the values, for an engine that is told them
+  bool goesWithNext = false;    // in one piece
 };
 
 // What one call did.
@@ -28,30 +28,39 @@ struct Recording {
   std::vector<std::string> lines;
 };
 
-// Runs the call on a service object whose connection is watched from now on.
-Recording Record(cLotrix& service, const std::string& logPath, const std::function<void()>& call);
+using Recorder = std::function<std::vector<RecordedStatement>(Connection& connection,
+                                                              const std::function<void()>& call)>;
+
+// Records the call on a service object whose connection is open.
+Recording Record(const Recorder& recorder, cLotrix& service, const std::string& logPath,
+                 const std::function<void()>& call);
 
 // Runs recordings on a database of its own.
 class Floor {
  public:
-  // Opened as the component opens its database.
-  Floor(const std::string& databasePath, const std::string& logPath);
-  ~Floor();
-  Floor(const Floor&) = delete;
-  Floor& operator=(const Floor&) = delete;
-
+  virtual ~Floor() = default;
   // Prepares the statements it has not seen yet; not part of what is measured.
-  void Prepare(const Recording& recording);
-  // Every row is stepped to; the cells of the last query are copied into texts
-  // when the call returns a table.
-  void Run(const Recording& recording, bool copyCells);
+  virtual void Prepare(const Recording& recording) = 0;
+  // Every row is fetched; the cells of the last query are copied into texts when
+  // the call returns a table.
+  virtual void Run(const Recording& recording, bool copyCells) = 0;
+};
+
+// The log of a floor.
+class Log {
+ public:
+  explicit Log(const std::string& path);
+  ~Log();
+  Log(const Log&) = delete;
+  Log& operator=(const Log&) = delete;
+  void Write(const std::vector<std::string>& lines);
 
  private:
-  sqlite3* database_ = nullptr;
-  int log_ = -1;
-  std::map<std::string, sqlite3_stmt*> prepared_;
+  int file_;
   std::string lines_;
 };
+
+[[noreturn]] void Fail(const std::string& what);
 
 }  // namespace lotrix::bench
 
