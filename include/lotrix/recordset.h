@@ -125,6 +125,7 @@ class Recordset {
   void Execute(const Statement& statement, Connection& connection);
   [[nodiscard]] Session& RequireReady(Connection& connection, const Statement& statement) const;
   void Take(std::unique_ptr<Cursor> cursor, Connection& connection);
+  std::int64_t CountRecords();
   void FetchAhead();
   void Drop() noexcept;
   // The same, and its connection's other ones too when its server has left it.

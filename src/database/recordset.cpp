@@ -26,6 +26,20 @@ Value ToValue(const ValueView& view) {
       view);
 }
 
+DataType TypeOf(const ValueView& view) {
+  if (const auto* const whole = std::get_if<std::int64_t>(&view)) {
+    const bool isLong = *whole >= std::numeric_limits<std::int32_t>::min() &&
+                        *whole <= std::numeric_limits<std::int32_t>::max();
+    return isLong ? DataType::kInteger : DataType::kBigInt;
+  }
+  if (std::holds_alternative<double>(view)) return DataType::kDouble;
+  if (std::holds_alternative<bool>(view)) return DataType::kBoolean;
+  if (std::holds_alternative<Date>(view)) return DataType::kDBDate;
+  return DataType::kVarWChar;
+}
+
+}  // namespace
+
 ValueView ToView(const Value& value) {
   return std::visit(
       [](const auto& held) -> ValueView {
@@ -40,20 +54,6 @@ ValueView ToView(const Value& value) {
       },
       value);
 }
-
-DataType TypeOf(const ValueView& view) {
-  if (const auto* const whole = std::get_if<std::int64_t>(&view)) {
-    const bool isLong = *whole >= std::numeric_limits<std::int32_t>::min() &&
-                        *whole <= std::numeric_limits<std::int32_t>::max();
-    return isLong ? DataType::kInteger : DataType::kBigInt;
-  }
-  if (std::holds_alternative<double>(view)) return DataType::kDouble;
-  if (std::holds_alternative<bool>(view)) return DataType::kBoolean;
-  if (std::holds_alternative<Date>(view)) return DataType::kDBDate;
-  return DataType::kVarWChar;
-}
-
-}  // namespace
 
 const std::string& Field::Name() const {
   recordset_->RequireOpen();
@@ -130,31 +130,34 @@ ObjectState Recordset::State() const noexcept {
 
 std::int32_t Recordset::RecordCount() {
   RequireOpen();
-  if (const auto known = cursor_->RecordCount()) return *known;
-  if (!fetched_) FetchAhead();
-  const auto columns = static_cast<std::size_t>(cursor_->ColumnCount());
-  const std::size_t count =
-      static_cast<std::size_t>(passed_) + (ahead_.size() - nextAhead_) / columns;
-  if (count > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+  const std::int64_t count = CountRecords();
+  if (count > std::numeric_limits<std::int32_t>::max()) {
     RaiseRuntimeError(RuntimeError::kOverflow);
   }
   return static_cast<std::int32_t>(count);
 }
 
-void Recordset::FetchAhead() {
+std::int64_t Recordset::CountRecords() {
   try {
-    const int columns = cursor_->ColumnCount();
-    for (; !cursor_->AtEnd(); cursor_->Next()) {
-      for (int column = 0; column < columns; ++column) {
-        ahead_.push_back(ToValue(cursor_->ColumnValue(column)));
-      }
-    }
-    fetched_ = true;
+    if (const auto known = cursor_->RecordCount()) return *known;
+    if (!fetched_) FetchAhead();
   } catch (...) {
     // Half of the records are no answer.
     DropAll();
     throw;
   }
+  const auto columns = static_cast<std::size_t>(cursor_->ColumnCount());
+  return passed_ + static_cast<std::int64_t>((ahead_.size() - nextAhead_) / columns);
+}
+
+void Recordset::FetchAhead() {
+  const int columns = cursor_->ColumnCount();
+  for (; !cursor_->AtEnd(); cursor_->Next()) {
+    for (int column = 0; column < columns; ++column) {
+      ahead_.push_back(ToValue(cursor_->ColumnValue(column)));
+    }
+  }
+  fetched_ = true;
 }
 
 bool Recordset::EndOfFile() const {

@@ -18,6 +18,8 @@ namespace lotrix {
 // A value of the current record without a copy of its text; the text is valid
 // until the cursor moves.
 using ValueView = std::variant<Null, bool, std::int64_t, double, Date, std::string_view>;
+// Of a value that lives as long; one that no column holds is Null.
+[[nodiscard]] ValueView ToView(const Value& value);
 
 // The rows of one statement in hand, standing on the first of them or behind the
 // last. Destroying it gives the statement back.
@@ -30,9 +32,9 @@ class Cursor {
   // As the column is declared; kEmpty for a column that is not one of a table.
   [[nodiscard]] virtual DataType DeclaredType(int column) const = 0;
   [[nodiscard]] virtual ValueView ColumnValue(int column) const = 0;
-  // How many rows there are in all, where the engine says so without their being
-  // fetched.
-  virtual std::optional<std::int32_t> RecordCount() { return std::nullopt; }
+  // How many rows there are in all, where the cursor can tell that at less cost than
+  // that of every value.
+  virtual std::optional<std::int64_t> RecordCount() { return std::nullopt; }
   [[nodiscard]] virtual bool AtEnd() const = 0;
   // To the next row. At the end the engine's resources are free already.
   virtual void Next() = 0;

@@ -89,7 +89,10 @@ bool Statement::IsBlank() const {
 }
 
 std::string Statement::text() const {
+  std::size_t size = template_.size();
+  for (const Splice& splice : splices_) size += splice.value.size();
   std::string text;
+  text.reserve(size);
   std::string_view rest = template_;
   for (const Splice& splice : splices_) {
     const std::size_t mark = rest.find(kMark);

@@ -67,6 +67,15 @@ class Statement {
   }
   [[nodiscard]] bool locksRows() const { return locksRows_; }
 
+  // The rows of this query may be a whole table, of which an engine had better not
+  // hold a copy; those of the program's other queries are few, and are counted before
+  // they are read. Changes nothing about its text.
+  Statement& GiveTable() {
+    givesTable_ = true;
+    return *this;
+  }
+  [[nodiscard]] bool givesTable() const { return givesTable_ || whole_; }
+
   Statement& operator<<(SqlText piece);
   Statement& operator<<(const Statement& part);
   // A value, as text; the pieces around it tell its place.
@@ -99,6 +108,7 @@ class Statement {
   bool inBrace_ = false;
   bool whole_ = false;
   bool locksRows_ = false;
+  bool givesTable_ = false;
 };
 
 // Throws 80040E14 when a spliced value would leave its place: an apostrophe

@@ -80,9 +80,9 @@ cResultSet cLotrix::stockTableRead(const Text& aPIN, const Text& aVaccine, const
     filter << " tracking != ' ' "
            << " and lot != ' ' ";
 
-    const Statement query = Statement() << "SELECT Pin, Datein, Doses, Lot, Vaccine, Maker, Expiry"
-                                        << " FROM Stock" << filter << " order by datein desc ";
-    return ReadTable(query, service.ReadConnection());
+    Statement query = Statement() << "SELECT Pin, Datein, Doses, Lot, Vaccine, Maker, Expiry"
+                                  << " FROM Stock" << filter << " order by datein desc ";
+    return ReadTable(query.GiveTable(), service.ReadConnection());
   });
 }
 
@@ -118,11 +118,10 @@ cResultSet cLotrix::inventoryOnHandRead(const Text& aDepotPIN, const Text& aVacc
            << " AND v.locactiv = .T."
            << " ORDER BY l.Vaccine, l.Lot, l.Expiry";
 
-    const Statement query = Statement()
-                            << "Select l.Vaccine, l.Lot, l.Expiry, l.Maker, l.Remain, l.Size"
-                            << " From Lots l, pvaccref v" << filter;
+    Statement query = Statement() << "Select l.Vaccine, l.Lot, l.Expiry, l.Maker, l.Remain, l.Size"
+                                  << " From Lots l, pvaccref v" << filter;
     service.log.Information({query.text()});
-    return ReadTable(query, service.ReadConnection());
+    return ReadTable(query.GiveTable(), service.ReadConnection());
   });
 }
 

@@ -47,13 +47,6 @@ bool IsOpenObject(IDispatch* object) {
   return LongOf(Get(object, L"State")) == static_cast<std::int32_t>(ObjectState::kOpen);
 }
 
-std::string LowerCase(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
 // Numbers that a double cannot hold exactly, and dates with a time of day, are
 // taken as the texts that automation makes of them.
 Value FieldValue(const OwnedVariant& variant, DataType type) {
@@ -73,7 +66,7 @@ class AdoCursor final : public Cursor {
       Column column;
       column.field = ObjectIn(*Get(fields.get(), L"Item", Arguments(FromLong(i))));
       column.name =
-          LowerCase(lotrix::ToText(automation::ToValue(*Get(column.field.get(), L"Name"))));
+          LowerAscii(lotrix::ToText(automation::ToValue(*Get(column.field.get(), L"Name"))));
       column.type = static_cast<DataType>(LongOf(Get(column.field.get(), L"Type")));
       columns_.push_back(std::move(column));
     }
@@ -91,25 +84,14 @@ class AdoCursor final : public Cursor {
   [[nodiscard]] const std::string& ColumnName(int column) const override { return At(column).name; }
   [[nodiscard]] DataType DeclaredType(int column) const override { return At(column).type; }
   [[nodiscard]] ValueView ColumnValue(int column) const override {
-    return std::visit(
-        [](const auto& held) -> ValueView {
-          using Kind = std::decay_t<decltype(held)>;
-          if constexpr (std::is_same_v<Kind, std::string>) {
-            return std::string_view(held);
-          } else if constexpr (std::is_constructible_v<ValueView, Kind>) {
-            return held;
-          } else {
-            return Null{};
-          }
-        },
-        StoredValue(At(column)));
+    return ToView(StoredValue(At(column)));
   }
   [[nodiscard]] bool AtEnd() const override { return atEnd_; }
   void Next() override {
     Call(recordset_.get(), L"MoveNext");
     ReadRow();
   }
-  std::optional<std::int32_t> RecordCount() override {
+  std::optional<std::int64_t> RecordCount() override {
     return LongOf(Get(recordset_.get(), L"RecordCount"));
   }
 

@@ -47,17 +47,22 @@ void Exchange::Hear(void* lastWord, const PGresult* notice) {
   *static_cast<LastWord*>(lastWord) = {std::string(state), message == nullptr ? "" : message};
 }
 
-void Exchange::Begin(bool changes) {
+void Exchange::Begin(bool changes, bool alone) {
   RequireOpen();
   inDoubt_ = changes;
-  added_ = 0;
-  succeeded_ = 0;
-  PQenterPipelineMode(link_.get());
+  BeginParts(alone && transaction_ == Transaction::kNone);
   if (transaction_ == Transaction::kWanted) Add("BEGIN");
   if (transaction_ == Transaction::kOpen) {
     if (hasSavepoint_) Add("RELEASE SAVEPOINT lotrix");
     Add("SAVEPOINT lotrix");
   }
+}
+
+void Exchange::BeginParts(bool alone) {
+  added_ = 0;
+  succeeded_ = 0;
+  inPipeline_ = !alone;
+  if (inPipeline_) PQenterPipelineMode(link_.get());
 }
 
 void Exchange::Add(const std::string& command) {
@@ -71,25 +76,25 @@ void Exchange::AddPreparation(const std::string& name, const std::string& sql,
                             types.data()));
 }
 
-void Exchange::AddExecution(const std::string& name, const Arguments& arguments) {
+void Exchange::AddExecution(const std::string& name, const Arguments& arguments, bool rowByRow) {
   RequireSent(PQsendQueryPrepared(link_.get(), name.c_str(),
                                   static_cast<int>(arguments.texts.size()), arguments.texts.data(),
                                   nullptr, nullptr, 0));
+  rowByRow_ = rowByRow;
 }
 
 void Exchange::AddDescription(const std::string& name) {
   RequireSent(PQsendDescribePrepared(link_.get(), name.c_str()));
-  givesRows_ = false;
 }
 
 Result Exchange::Send() {
-  if (PQpipelineSync(link_.get()) != 1) Lose(nullptr);
+  if (inPipeline_ && PQpipelineSync(link_.get()) != 1) Lose(nullptr);
   for (; succeeded_ + 1 < added_; ++succeeded_) {
     Result answer = Read();
     if (IsFailure(answer)) return answer;
     static_cast<void>(Read());  // nothing stands between two answers
   }
-  if (givesRows_ && PQsetSingleRowMode(link_.get()) != 1) Lose(nullptr);
+  if (rowByRow_ && PQsetSingleRowMode(link_.get()) != 1) Lose(nullptr);
   Result answer = Read();
   if (!IsFailure(answer)) ++succeeded_;
   return answer;
@@ -146,13 +151,15 @@ Result Exchange::ReadToEnd(Result last) {
   bool afterNothing = false;
   for (;;) {
     Result answer = Read();
+    if (answer == nullptr && !inPipeline_) break;
     if (PQresultStatus(answer.get()) == PGRES_PIPELINE_SYNC) break;
     if (answer == nullptr && afterNothing) Lose(nullptr);
     afterNothing = answer == nullptr;
     if (failure == nullptr && IsFailure(answer)) failure = std::move(answer);
   }
-  PQexitPipelineMode(link_.get());
+  if (inPipeline_) PQexitPipelineMode(link_.get());
   inDoubt_ = false;
+  lastAnswer_ = std::chrono::steady_clock::now();
   return failure;
 }
 
@@ -210,10 +217,8 @@ Result Exchange::RunText(const std::string& sql, bool changes) {
 }
 
 Result Exchange::RunAlone(const char* command) {
-  PQenterPipelineMode(link_.get());
-  added_ = 0;
-  succeeded_ = 0;
-  Add(command);
+  BeginParts(true);
+  RequireSent(PQsendQuery(link_.get(), command));
   Result answer = Send();
   if (IsFailure(answer)) return ReadToEnd(std::move(answer));
   Result failure = ReadToEnd(nullptr);
@@ -223,6 +228,9 @@ Result Exchange::RunAlone(const char* command) {
 void Exchange::RequireOpen() {
   if (link_ == nullptr) RaiseLost(false, {}, {});
   inDoubt_ = false;
+  // An operation's statements follow each other closely; the first alone has to look.
+  constexpr auto kJustNow = std::chrono::milliseconds(1);
+  if (std::chrono::steady_clock::now() - lastAnswer_ < kJustNow) return;
   pollfd socket = {.fd = PQsocket(link_.get()), .events = POLLIN, .revents = 0};
   while (poll(&socket, 1, 0) > 0) {
     // Takes what the server has said unasked, a last word among it.
@@ -234,7 +242,7 @@ void Exchange::RequireOpen() {
 void Exchange::RequireSent(int sent) {
   if (sent != 1) Lose(nullptr);
   ++added_;
-  givesRows_ = true;
+  rowByRow_ = false;
 }
 
 Result Exchange::Read() {

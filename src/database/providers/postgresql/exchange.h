@@ -37,17 +37,19 @@ class Exchange {
   [[nodiscard]] bool IsOpen() const { return link_ != nullptr; }
   [[nodiscard]] bool InTransaction() const { return transaction_ != Transaction::kNone; }
 
-  // `changes` tells whether a loss leaves in doubt what has been done. Finds out
-  // first, without asking the server, whether it has gone meanwhile.
-  void Begin(bool changes);
+  // `changes` tells whether a loss leaves in doubt what has been done, `alone` promises
+  // that one part will be added. Finds out first, without asking the server, whether it
+  // has gone meanwhile, unless it has just answered.
+  void Begin(bool changes, bool alone);
   void Add(const std::string& command);
   void AddPreparation(const std::string& name, const std::string& sql,
                       const std::vector<Oid>& types);
-  void AddExecution(const std::string& name, const Arguments& arguments);
+  // Many rows are to be read one by one.
+  void AddExecution(const std::string& name, const Arguments& arguments, bool rowByRow);
   void AddDescription(const std::string& name);
-  // Sends all, and gives the answer to the last part: its first row alone when it
-  // gives rows. Or else the first failure; how many parts succeeded tells
-  // Succeeded.
+  // Sends all, and gives the answer to the last part: its first row alone when its
+  // rows are to be read one by one. Or else the first failure; how many parts
+  // succeeded tells Succeeded.
   Result Send();
   [[nodiscard]] int Succeeded() const { return succeeded_; }
   [[nodiscard]] int Added() const { return added_; }
@@ -76,6 +78,7 @@ class Exchange {
   enum class Transaction { kNone, kWanted, kOpen };
 
   void RequireOpen();
+  void BeginParts(bool alone);
   [[nodiscard]] bool AnswersBefore(std::chrono::steady_clock::time_point end);
   void Cancel();
   void RequireSent(int sent);
@@ -98,8 +101,10 @@ class Exchange {
   bool hasSavepoint_ = false;
   bool inDoubt_ = false;
   int added_ = 0;
-  bool givesRows_ = false;  // the last one added may
+  bool rowByRow_ = false;  // the last one added
+  bool inPipeline_ = false;
   int succeeded_ = 0;
+  std::chrono::steady_clock::time_point lastAnswer_;
 };
 
 }  // namespace lotrix::postgresql

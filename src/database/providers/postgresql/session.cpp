@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <random>
 #include <string_view>
 #include <system_error>
@@ -95,11 +96,11 @@ struct Line {
 
 class PostgresqlCursor final : public Cursor, private Reader {
  public:
-  // `first` is the first row; nothing when there is none.
+  // `rows` are all of them, nothing when there are none, or the first one alone.
   PostgresqlCursor(std::shared_ptr<Line> line, std::shared_ptr<const std::vector<Column>> columns,
-                   Result first)
-      : line_(std::move(line)), columns_(std::move(columns)), row_(std::move(first)) {
-    if (row_ != nullptr) line_->reader = this;
+                   Result rows)
+      : line_(std::move(line)), columns_(std::move(columns)), rows_(std::move(rows)) {
+    if (PQresultStatus(rows_.get()) == PGRES_SINGLE_TUPLE) line_->reader = this;
   }
   ~PostgresqlCursor() override {
     if (line_->reader == this) line_->Abandon();
@@ -116,25 +117,35 @@ class PostgresqlCursor final : public Cursor, private Reader {
   }
 
   [[nodiscard]] ValueView ColumnValue(int column) const override {
-    if (row_ == nullptr) {
+    if (rows_ == nullptr) {
       const std::size_t cell = stored_ + static_cast<std::size_t>(column);
       if (rest_.IsNull(cell)) return Null{};
       return ReadValue(ColumnAt(column), rest_.Text(cell));
     }
-    if (PQgetisnull(row_.get(), 0, column) != 0) return Null{};
-    const auto length = static_cast<std::size_t>(PQgetlength(row_.get(), 0, column));
-    return ReadValue(ColumnAt(column), {PQgetvalue(row_.get(), 0, column), length});
+    if (PQgetisnull(rows_.get(), row_, column) != 0) return Null{};
+    const auto length = static_cast<std::size_t>(PQgetlength(rows_.get(), row_, column));
+    return ReadValue(ColumnAt(column), {PQgetvalue(rows_.get(), row_, column), length});
   }
 
-  [[nodiscard]] bool AtEnd() const override { return row_ == nullptr && stored_ == rest_.cells(); }
+  [[nodiscard]] bool AtEnd() const override { return rows_ == nullptr && stored_ == rest_.cells(); }
+
+  std::optional<std::int64_t> RecordCount() override {
+    if (line_->reader == this) TakeRest();
+    if (failure_ != nullptr) std::rethrow_exception(failure_);
+    const int inHand = rows_ == nullptr ? 0 : PQntuples(rows_.get()) - row_;
+    return passed_ + inHand +
+           static_cast<std::int64_t>((rest_.cells() - stored_) / columns_->size());
+  }
 
   void Next() override {
+    ++passed_;
     if (line_->reader == this) {
-      row_ = line_->NextRow();
+      rows_ = line_->NextRow();
       return;
     }
-    if (row_ != nullptr) {
-      row_.reset();
+    if (rows_ != nullptr) {
+      if (++row_ < PQntuples(rows_.get())) return;
+      rows_.reset();
     } else {
       stored_ += columns_->size();
     }
@@ -157,7 +168,9 @@ class PostgresqlCursor final : public Cursor, private Reader {
 
   std::shared_ptr<Line> line_;
   std::shared_ptr<const std::vector<Column>> columns_;
-  Result row_;
+  Result rows_;
+  int row_ = 0;  // of rows_
+  std::int64_t passed_ = 0;
   StoredRows rest_;
   std::size_t stored_ = 0;  // the first cell of the current row, when it is one of rest_
   std::exception_ptr failure_;
@@ -238,14 +251,14 @@ class PostgresqlSession final : public Session {
     const bool wasThere = !prepared->name.empty();
     if (!wasThere) Write(*prepared, statement);
     DropLeftStatements();
-    Result answer = Send(*prepared);
+    Result answer = Send(*prepared, statement.givesTable());
     if (IsStale(SqlState(answer.get()), wasThere)) {
       if (SqlState(answer.get()) == kNoSuchStatement) prepared->name.clear();
       line_->exchange.Finish(std::move(answer));
       prepared->Leave();
       tables_.clear();
       Write(*prepared, statement);
-      answer = Send(*prepared);
+      answer = Send(*prepared, statement.givesTable());
     }
     DropLargeTexts();
     return Receive(*prepared, std::move(answer));
@@ -356,7 +369,7 @@ class PostgresqlSession final : public Session {
   // Asks for the table's columns without reading it.
   void ReadTable(const std::string& table) {
     Exchange& exchange = line_->exchange;
-    exchange.Begin(false);
+    exchange.Begin(false, false);
     exchange.AddPreparation({}, "SELECT * FROM \"" + table + '"', {});
     exchange.AddDescription({});
     Result answer = exchange.Send();
@@ -379,19 +392,19 @@ class PostgresqlSession final : public Session {
     const Names names = std::move(*leftOnServer_);
     leftOnServer_->clear();
     for (const std::string& name : names) {
-      line_->exchange.Begin(false);
+      line_->exchange.Begin(false, true);
       line_->exchange.Add("DEALLOCATE " + name);
       line_->exchange.Finish(line_->exchange.Send());
     }
   }
 
-  Result Send(PreparedStatement& prepared) {
+  Result Send(PreparedStatement& prepared, bool rowByRow) {
     Exchange& exchange = line_->exchange;
-    exchange.Begin(!prepared.translation.isQuery);
     const bool isNew = prepared.name.empty();
+    exchange.Begin(!prepared.translation.isQuery, !isNew);
     const std::string name = isNew ? namePrefix_ + std::to_string(++statements_) : prepared.name;
     if (isNew) exchange.AddPreparation(name, prepared.translation.sql, arguments_.types);
-    exchange.AddExecution(name, arguments_);
+    exchange.AddExecution(name, arguments_, rowByRow);
     Result answer = exchange.Send();
     if (isNew && exchange.Succeeded() + 1 >= exchange.Added()) {
       prepared.name = name;
@@ -406,13 +419,13 @@ class PostgresqlSession final : public Session {
     if (hasRows && prepared.columns == nullptr) {
       prepared.columns = std::make_shared<const std::vector<Column>>(ReadColumns(answer.get()));
     }
-    if (status == PGRES_SINGLE_TUPLE) {
-      return std::make_unique<PostgresqlCursor>(line_, prepared.columns, std::move(answer));
+    if (status != PGRES_SINGLE_TUPLE) {
+      const Result failure = line_->exchange.Finish(hasRows ? nullptr : std::move(answer));
+      if (failure != nullptr) RaisePostgresqlError(failure.get());
+      if (!hasRows) return nullptr;
+      if (PQntuples(answer.get()) == 0) answer.reset();
     }
-    const Result failure = line_->exchange.Finish(std::move(answer));
-    if (failure != nullptr) RaisePostgresqlError(failure.get());
-    if (!hasRows) return nullptr;
-    return std::make_unique<PostgresqlCursor>(line_, prepared.columns, nullptr);
+    return std::make_unique<PostgresqlCursor>(line_, prepared.columns, std::move(answer));
   }
 
   // A megabyte that was looked for once must not stay.
