@@ -12,6 +12,8 @@ namespace {
 // the end of a line.
 constexpr std::size_t kMostGathered = 256UL * 1024;
 
+constexpr std::size_t kFractionDigits = 6;
+
 }  // namespace
 
 std::string DefaultLogPath() {
@@ -44,7 +46,12 @@ void TraceLog::Write(std::string_view event, std::initializer_list<std::string_v
   if (depth_ == 0 || lines_.size() > kMostGathered) Flush();
 }
 
-void TraceLog::ReadProcess() { processText_ = std::to_string(ProcessId()); }
+void TraceLog::ReadProcess() {
+  const std::int64_t process = ProcessId();
+  if (process == process_) return;
+  process_ = process;
+  timeAndProcess_.clear();
+}
 
 void TraceLog::EscapeLineBreaks(std::size_t start) {
   const std::string text = lines_.substr(start);
@@ -66,22 +73,20 @@ void TraceLog::AppendTimeAndProcess() {
   const std::int64_t second = wholeSeconds.time_since_epoch().count();
   std::int64_t microsecond =
       std::chrono::duration_cast<std::chrono::microseconds>(now - wholeSeconds).count();
-  if (second != second_ || secondText_.empty()) {
+  if (second != second_ || timeAndProcess_.empty()) {
     const std::tm local = LocalTime(static_cast<std::time_t>(second));
     std::array<char, 32> text{};
-    secondText_.assign(text.data(),
-                       std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S.", &local));
+    timeAndProcess_.assign(text.data(),
+                           std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S.", &local));
+    fraction_ = timeAndProcess_.size();
+    timeAndProcess_.append(kFractionDigits, '0').append(1, ' ').append(std::to_string(process_));
     second_ = second;
   }
-  std::array<char, 6> fraction{};
-  for (auto digit = fraction.rbegin(); digit != fraction.rend(); ++digit) {
-    *digit = static_cast<char>('0' + microsecond % 10);
+  for (std::size_t digit = kFractionDigits; digit-- > 0;) {
+    timeAndProcess_[fraction_ + digit] = static_cast<char>('0' + microsecond % 10);
     microsecond /= 10;
   }
-  lines_ += secondText_;
-  lines_.append(fraction.data(), fraction.size());
-  lines_ += ' ';
-  lines_ += processText_;
+  lines_ += timeAndProcess_;
 }
 
 void TraceLog::Flush() noexcept {

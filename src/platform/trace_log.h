@@ -65,11 +65,12 @@ class TraceLog {
   int depth_ = 0;
   bool torn_ = false;  // the file ends in the middle of a line
   std::string lines_;
-  // The text of the last line's second, which most lines share.
+  // What the last line began with, of which most lines change the fraction alone.
+  std::string timeAndProcess_;
+  std::size_t fraction_ = 0;  // where it is in that text
   std::int64_t second_ = -1;
-  std::string secondText_;
   // Read anew for each call, since a child process may go on with the object.
-  std::string processText_;
+  std::int64_t process_ = -1;
 };
 
 }  // namespace lotrix
