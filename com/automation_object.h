@@ -10,11 +10,11 @@
 
 #include <ole2.h>
 
-#include <atomic>
 #include <span>
 #include <utility>
 #include <vector>
 
+#include "com/counted.h"
 #include "com/failures.h"
 #include "com/server.h"
 #include "lotrix/members.h"
@@ -57,11 +57,8 @@ using Given = std::span<const VARIANT* const>;
 [[nodiscard]] automation::Held<IDispatch> ObjectArgument(const VARIANT& variant);
 
 template <class Interface>
-class AutomationObject : public Interface, public ISupportErrorInfo {
+class AutomationObject : public Counted<Interface, ISupportErrorInfo> {
  public:
-  AutomationObject(const AutomationObject&) = delete;
-  AutomationObject& operator=(const AutomationObject&) = delete;
-
   STDMETHODIMP QueryInterface(REFIID identifier, void** object) override {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
@@ -73,14 +70,8 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
       *object = OtherInterface(identifier);
     }
     if (*object == nullptr) return E_NOINTERFACE;
-    AddRef();
+    this->AddRef();
     return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override {
@@ -130,9 +121,6 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
   }
 
  protected:
-  AutomationObject() = default;
-  virtual ~AutomationObject() = default;
-
   // Of the dual interface; IDispatch for an object that is only ever late-bound.
   [[nodiscard]] virtual const GUID& Identifier() const = 0;
   [[nodiscard]] virtual std::span<const MemberDescription> Table() const = 0;
@@ -152,9 +140,6 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     return automation::Hold(static_cast<IUnknown*>(static_cast<Interface*>(this)));
   }
   [[nodiscard]] bool HasTypeInfo() const { return Identifier() != IID_IDispatch; }
-
-  std::atomic<ULONG> references_ = 1;
-  KeepsServerLoaded keepsServerLoaded_;
 };
 
 }  // namespace lotrix::com

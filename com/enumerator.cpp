@@ -1,16 +1,15 @@
 #include "com/enumerator.h"
 
-#include <atomic>
 #include <utility>
 
+#include "com/counted.h"
 #include "com/failures.h"
-#include "com/server.h"
 
 namespace lotrix::com {
 
 namespace {
 
-class Enumerator final : public IEnumVARIANT {
+class Enumerator final : public Counted<IEnumVARIANT> {
  public:
   Enumerator(ItemAtPosition itemAt, std::int32_t next) : itemAt_(std::move(itemAt)), next_(next) {}
 
@@ -21,12 +20,6 @@ class Enumerator final : public IEnumVARIANT {
     *object = static_cast<IEnumVARIANT*>(this);
     AddRef();
     return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   STDMETHODIMP Next(ULONG wanted, VARIANT* items, ULONG* fetched) override {
@@ -68,10 +61,6 @@ class Enumerator final : public IEnumVARIANT {
   }
 
  private:
-  virtual ~Enumerator() = default;
-
-  std::atomic<ULONG> references_ = 1;
-  KeepsServerLoaded keepsServerLoaded_;
   ItemAtPosition itemAt_;
   std::int32_t next_;
 };

@@ -1,7 +1,5 @@
 #include "com/failures.h"
 
-#include <exception>
-#include <new>
 #include <utility>
 
 #include "lotrix/constants.h"
@@ -9,24 +7,6 @@
 #include "src/platform/automation.h"
 
 namespace lotrix::com {
-
-namespace {
-
-// Only to be called from a handler.
-Error ErrorInHand() {
-  try {
-    throw;
-  } catch (const Error& error) {
-    return error;
-  } catch (const std::bad_alloc&) {
-    return {static_cast<std::int32_t>(RuntimeError::kOutOfMemory),
-            std::string(RuntimeErrorText(RuntimeError::kOutOfMemory))};
-  } catch (const std::exception& other) {
-    return {static_cast<std::int32_t>(EngineError::kFailed), other.what()};
-  }
-}
-
-}  // namespace
 
 HRESULT ReportFailure(const GUID& interfaceId) noexcept {
   try {

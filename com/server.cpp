@@ -8,6 +8,7 @@
 #include <atomic>
 #include <string>
 
+#include "com/counted.h"
 #include "com/failures.h"
 #include "com/result_set.h"
 #include "com/service.h"
@@ -61,7 +62,7 @@ const std::array<PublishedClass, 2> kClasses = {{
      [] { return Held<IDispatch>(NewResultSetObject().release()); }},
 }};
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<IClassFactory> {
  public:
   explicit ClassFactory(const PublishedClass& published) : published_(published) {}
 
@@ -72,12 +73,6 @@ class ClassFactory final : public IClassFactory {
     *object = static_cast<IClassFactory*>(this);
     AddRef();
     return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID identifier, void** object) override {
@@ -96,10 +91,6 @@ class ClassFactory final : public IClassFactory {
   }
 
  private:
-  virtual ~ClassFactory() = default;
-
-  std::atomic<ULONG> references_ = 1;
-  KeepsServerLoaded keepsServerLoaded_;
   const PublishedClass& published_;
 };
 

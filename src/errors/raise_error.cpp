@@ -1,9 +1,9 @@
 #include "src/errors/raise_error.h"
 
+#include <exception>
 #include <limits>
+#include <new>
 #include <string>
-
-#include "lotrix/error.h"
 
 namespace lotrix {
 
@@ -59,6 +59,19 @@ std::string_view RuntimeErrorText(RuntimeError number) {
       return "Provider cannot be found. It may not be properly installed.";
   }
   return "Application-defined or object-defined error";
+}
+
+Error ErrorInHand() {
+  try {
+    throw;
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return {static_cast<std::int32_t>(RuntimeError::kOutOfMemory),
+            std::string(RuntimeErrorText(RuntimeError::kOutOfMemory))};
+  } catch (const std::exception& other) {
+    return {static_cast<std::int32_t>(EngineError::kFailed), other.what()};
+  }
 }
 
 }  // namespace lotrix

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "lotrix/constants.h"
+#include "lotrix/error.h"
 
 namespace lotrix {
 
@@ -21,6 +22,10 @@ namespace lotrix {
 // Throws an error of a database engine, or of the data layer in its place.
 [[noreturn]] void RaiseEngineError(EngineError number, std::string_view description,
                                    int engineCode = 0);
+
+// What is being handled, as the Error that callers know: 7 when memory is short,
+// 80004005 for what is no Error. Only to be called from a handler.
+[[nodiscard]] Error ErrorInHand();
 
 }  // namespace lotrix
 
