@@ -26,7 +26,7 @@ function rule(code) {
   return (0x80040000 | 0) + code;
 }
 
-// The description may be undefined where the words leave it to the implementer.
+// The description may be undefined where it is not a fixed text.
 function checkFailure(name, call, number, description) {
   try {
     call();

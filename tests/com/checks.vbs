@@ -27,8 +27,8 @@ Sub CheckFailure(name, number, source, description)
   Check name, got, number & " | " & source & " | " & description
 End Sub
 
-' For descriptions that leave the words to the implementation: some part of it, in
-' any case, or just any text.
+' For descriptions whose text is not fixed: some part of it, in any case, or just
+' any text.
 Sub CheckFailureSays(name, number, source, part)
   Dim got, says
   got = Err.Number & " | " & Err.Source

@@ -37,7 +37,7 @@ void CheckFailure(const std::string& name, HRESULT result, HRESULT expected,
         lotrix_client::Hex(expected) + " | " + source + " | " + description);
 }
 
-// Where the words leave the description to the implementer.
+// Where the description is not a fixed text.
 void CheckFailure(const std::string& name, HRESULT result, HRESULT expected,
                   const std::string& source) {
   Com<IErrorInfo> information;
@@ -402,7 +402,7 @@ void Unusable(_cLotrix* service) {
                Plain(13), "Lotrix");
 }
 
-// Where the words leave open whether there is an answer.
+// Where either is right, an answer or a failure.
 void CheckAnswered(const std::string& name, HRESULT result, const Bstr& text,
                    const std::string& answer) {
   Check(name, text.utf8(), FAILED(result) ? "" : answer);

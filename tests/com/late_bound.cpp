@@ -86,7 +86,7 @@ Answer Call(IDispatch* object, DISPID id, Values&&... values) {
   return Invoke(object, id, kCall, arguments);
 }
 
-// The number and source of a failed call; its description is the implementer's.
+// The number and source of a failed call, whose description is not a fixed text.
 void CheckFailed(const std::string& name, const Answer& answer, HRESULT number,
                  const std::string& source) {
   const std::string expected = Hex(number) + " | " + source + " | ";
