@@ -18,12 +18,13 @@ struct ServerStatement {
 thread_local std::map<std::pair<PGconn*, std::string>, ServerStatement> serverStatements;
 thread_local std::vector<RecordedStatement>* recorded = nullptr;
 
-void NoteExecution(const ServerStatement& statement, int count, const char* const* values) {
-  if (recorded == nullptr) return;
+void NoteExecution(const PGconn* connection, const ServerStatement& statement, int count,
+                   const char* const* values) {
   RecordedStatement& execution = recorded->emplace_back();
   execution.sql = statement.sql;
   execution.types = statement.types;
-  execution.goesWithNext = true;  // until what is sent ends
+  // Until what is sent ends.
+  execution.goesWithNext = PQpipelineStatus(connection) == PQ_PIPELINE_ON;
   for (int i = 0; i < count; ++i) {
     execution.values.push_back(values[i] == nullptr ? BoundValue(Null{})
                                                     : BoundValue(std::string(values[i])));
@@ -45,6 +46,7 @@ int __real_PQsendQueryPrepared(PGconn* connection, const char* name, int count,
 int __real_PQsendQueryParams(PGconn* connection, const char* sql, int count, const Oid* types,
                              const char* const* values, const int* lengths, const int* formats,
                              int resultFormat);
+int __real_PQsendQuery(PGconn* connection, const char* sql);
 int __real_PQpipelineSync(PGconn* connection);
 
 int __wrap_PQsendPrepare(PGconn* connection, const char* name, const char* sql, int count,
@@ -58,7 +60,11 @@ int __wrap_PQsendPrepare(PGconn* connection, const char* name, const char* sql, 
 int __wrap_PQsendQueryPrepared(PGconn* connection, const char* name, int count,
                                const char* const* values, const int* lengths, const int* formats,
                                int resultFormat) {
-  lotrix::bench::NoteExecution(lotrix::bench::serverStatements[{connection, name}], count, values);
+  // What the floor does not do must not be measured either.
+  if (lotrix::bench::recorded != nullptr) {
+    lotrix::bench::NoteExecution(connection, lotrix::bench::serverStatements[{connection, name}],
+                                 count, values);
+  }
   return __real_PQsendQueryPrepared(connection, name, count, values, lengths, formats,
                                     resultFormat);
 }
@@ -66,9 +72,18 @@ int __wrap_PQsendQueryPrepared(PGconn* connection, const char* name, int count,
 int __wrap_PQsendQueryParams(PGconn* connection, const char* sql, int count, const Oid* types,
                              const char* const* values, const int* lengths, const int* formats,
                              int resultFormat) {
-  lotrix::bench::NoteExecution({sql, {types, types + count}}, count, values);
+  if (lotrix::bench::recorded != nullptr) {
+    lotrix::bench::NoteExecution(connection, {sql, {types, types + count}}, count, values);
+  }
   return __real_PQsendQueryParams(connection, sql, count, types, values, lengths, formats,
                                   resultFormat);
+}
+
+int __wrap_PQsendQuery(PGconn* connection, const char* sql) {
+  if (lotrix::bench::recorded != nullptr) {
+    lotrix::bench::NoteExecution(connection, {sql, {}}, 0, nullptr);
+  }
+  return __real_PQsendQuery(connection, sql);
 }
 
 int __wrap_PQpipelineSync(PGconn* connection) {
