@@ -4,34 +4,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, information that is accepted.
 struct Info {
@@ -48,36 +34,14 @@ struct Info {
 
 const std::string kOperation = "providerAdditionalInfoUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines PinPassed() {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                  EndOf("ValidateProviderActiveStatus"), EndOf("ValidateProviderPIN")}});
-}
 Lines PinRefused(const std::string& description) {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN"), ProblemOf("ValidateProviderPIN", description)}});
+  return RefusedBy("ValidateProviderPIN", description);
 }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
 // Of a call whose values are spliced as they stand here.
 std::string UpdateStatement(const Info& info) {
   return "UPDATE provider SET cat2 = '" + info.type +
@@ -519,11 +483,7 @@ TEST_F(AdditionalInfo, AnInactiveProviderIsRefused) {
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
-  ExpectRefused(WrongFrom(kStatement), 20083, message,
-                Joined({ConnectionRead(),
-                        {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                         ProblemOf("ValidateProviderActiveStatus", message),
-                         ProblemOf("ValidateProviderPIN", message)}}),
+  ExpectRefused(WrongFrom(kStatement), 20083, message, InactiveProviderRefused(message),
                 {ProviderCount("P1"), ProviderActive("P1")});
 }
 
@@ -548,7 +508,8 @@ TEST_F(AdditionalInfo, ThenThatTheProviderIsThere) {
 // --- Values that would leave their place, and very long ones --------------------
 
 Lines StatementRefused(const Info& spliced) {
-  return Joined({PinPassed(), {"information " + UpdateStatement(spliced)}, ConnectionRead()});
+  return Joined(
+      {ActiveProviderPassed(), {"information " + UpdateStatement(spliced)}, ConnectionRead()});
 }
 
 TEST_F(AdditionalInfo, TheStatementComesLast) {

@@ -5,35 +5,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "src/operations/default_enrollment.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments in their order.
 using Arguments = std::array<std::string, 11>;
@@ -51,32 +37,15 @@ Arguments Accepted(const std::string& group = "1") {
 
 const std::string kOperation = "providerEnrollmentAddUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines LookedFor() {
-  return Joined(
-      {ConnectionRead(), {BeginOf("ValidateEnrollmentRecord"), EndOf("ValidateEnrollmentRecord")}});
-}
+Lines LookedFor() { return Asked("ValidateEnrollmentRecord"); }
 Lines LookRefused(const std::string& description) {
-  return Joined(
-      {ConnectionRead(),
-       {BeginOf("ValidateEnrollmentRecord"), ProblemOf("ValidateEnrollmentRecord", description)}});
+  return RefusedBy("ValidateEnrollmentRecord", description);
 }
 
 // The statements as a call builds them.
 
-std::string EnrollmentCount(const std::string& pin) {
-  return "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" + pin + "'";
-}
 std::string InsertStatement(const std::string& g, const std::string& counts,
                             const std::string& pin = "P1") {
   return "INSERT INTO enroll (pin, ensource, chgdate, allkids" + g + ", medicaid" + g +

@@ -3,31 +3,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "src/utility/keys_and_lookups.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 // A call's arguments; as they stand, an adjustment that is accepted. The reference
 // has a status "aN" for every action code N.
@@ -59,19 +47,8 @@ Adjustment AllWrong() {
 
 const std::string kOperation = "providerInventoryAdjustmentUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Asked(const std::string& routine) { return Joined({ConnectionRead(), Passed(routine)}); }
 
 Lines DatesPassed() { return Passed("ValidateProviderInventoryAdjustDates"); }
 Lines ProviderPassed() { return Joined({DatesPassed(), Asked("ValidateProviderPIN")}); }
@@ -81,13 +58,6 @@ Lines ActionPassed() { return Joined({LotPassed(), Asked("ValidateActionCode")})
 Lines ActionLookedUp() { return Joined({ActionPassed(), ConnectionRead()}); }
 Lines ChecksPassed() {
   return Joined({ActionLookedUp(), Asked("ValidateDuplicateProviderInventoryAdjustment")});
-}
-
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
-Lines RefusedBy(const std::string& routine, const std::string& description) {
-  return Joined({ConnectionRead(), Refused(routine, description)});
 }
 
 // The statements as a call builds them.
@@ -100,15 +70,6 @@ std::string WithoutDashes(const std::string& lot) {
   return rest;
 }
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string DepotCount(const std::string& depot) {
-  return "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 AND "
-         "31 AND ltrim(rtrim(pin)) = '" +
-         depot + "'";
-}
 std::string LotCount(const std::string& vaccine, const std::string& lot) {
   return "SELECT count(*) FROM stock WHERE ltrim(rtrim(vaccine)) = '" + vaccine +
          "' AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '" + WithoutDashes(lot) + "'";

@@ -4,33 +4,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, a physician without any optional field.
 struct Physician {
@@ -67,23 +53,9 @@ const Optional kOptionals[] = {{"initial", &Physician::initial},
 
 // The lines of the trace, piece by piece as a call comes by them.
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines LookedFor() {
-  return Joined(
-      {ConnectionRead(), {BeginOf("ValidatePhysicnRecord"), EndOf("ValidatePhysicnRecord")}});
-}
+Lines LookedFor() { return Asked("ValidatePhysicnRecord"); }
 Lines LookRefused(const std::string& description) {
-  return Joined(
-      {ConnectionRead(),
-       {BeginOf("ValidatePhysicnRecord"), ProblemOf("ValidatePhysicnRecord", description)}});
+  return RefusedBy("ValidatePhysicnRecord", description);
 }
 
 // The statements as a call builds them.
@@ -614,10 +586,6 @@ class PhysicianDelete : public PhysicianTable {
     Execute("INSERT INTO provider (pin, sector, active) VALUES ('" + pin + "', " + sector + ", '" +
             active + "')");
   }
-  [[nodiscard]] std::string ProviderQuery(const std::string& column, const std::string& pin) {
-    return "SELECT " + column +
-           " FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" + pin + "'";
-  }
   void ExpectRefused(const std::string& pin, std::int32_t code, const std::string& message,
                      const Lines& lines, const Lines& statements) {
     const Rows before = Physicians();
@@ -686,7 +654,7 @@ TEST_F(PhysicianDelete, AnUnknownProvidersPhysiciansAreRemovedAllTheSame) {
     ForgetTrace();
     lotrix().physicianDeleteByPin(pin);
     EXPECT_EQ(Physicians(), Rows{});
-    EXPECT_EQ(Statements(), (Lines{ProviderQuery("count(*)", pin), DeleteStatement(pin)}));
+    EXPECT_EQ(Statements(), (Lines{ProviderCount(pin), DeleteStatement(pin)}));
     EXPECT_EQ(Trace(), Joined({{"information Begin: physicianDeleteByPin()"},
                                ConnectionRead(),
                                {BeginOf("ValidateProviderPIN"), EndOf("ValidateProviderPIN")},
@@ -700,8 +668,8 @@ TEST_F(PhysicianDelete, ThePinIsComparedAsItIsGiven) {
   AddProvider("ABC", "15", "Y");
   Add("ABC", "SMITH", "ANN");
   lotrix().physicianDeleteByPin("abc");
-  EXPECT_EQ(Statements(), (Lines{ProviderQuery("count(*)", "ABC"), ProviderQuery("active", "ABC"),
-                                 DeleteStatement("abc")}));
+  EXPECT_EQ(Statements(),
+            (Lines{ProviderCount("ABC"), ProviderActive("ABC"), DeleteStatement("abc")}));
   EXPECT_EQ(Query("SELECT pin FROM physicn"), (Rows{{"ABC"}}));
   Add("abc", "SMITH", "ANN");
   lotrix().physicianDeleteByPin("abc");
@@ -734,8 +702,7 @@ TEST_F(PhysicianDelete, APinThatIsNotAlphanumericIsRefused) {
 TEST_F(PhysicianDelete, APinThatTwoProvidersHaveIsRefused) {
   AddProvider("P1", "29", "Y");
   Add("P1", "SMITH", "ANN");
-  ExpectRefused("P1", 20003, "Provider PIN entered has a duplicate", {},
-                {ProviderQuery("count(*)", "P1")});
+  ExpectRefused("P1", 20003, "Provider PIN entered has a duplicate", {}, {ProviderCount("P1")});
 }
 
 TEST_F(PhysicianDelete, APinCountThatIsNoneIsRefused) {
@@ -745,7 +712,7 @@ TEST_F(PhysicianDelete, APinCountThatIsNoneIsRefused) {
   for (const std::vector<Value>& rows : answers) {
     answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
     ExpectRefused("P1", 20005, "Error while verifying provider PIN in LOTRIX", {},
-                  {ProviderQuery("count(*)", "P1")});
+                  {ProviderCount("P1")});
   }
 }
 
@@ -758,7 +725,7 @@ TEST_F(PhysicianDelete, AnInactiveProviderIsRefused) {
   ExpectRefused(
       "OFF", 20083, message,
       {BeginOf("ValidateProviderActiveStatus"), ProblemOf("ValidateProviderActiveStatus", message)},
-      {ProviderQuery("count(*)", "OFF"), ProviderQuery("active", "OFF")});
+      {ProviderCount("OFF"), ProviderActive("OFF")});
 }
 
 TEST_F(PhysicianDelete, AnErrorOfTheEngineIsAProblemOfTheOperation) {
@@ -766,14 +733,11 @@ TEST_F(PhysicianDelete, AnErrorOfTheEngineIsAProblemOfTheOperation) {
   const Error error = Refusal([&] { lotrix().physicianDeleteByPin("P1"); });
   EXPECT_EQ(error.number(), Numbered(EngineError::kNoSuchTable));
   EXPECT_EQ(error.source(), "LOTRIX DLL");
-  EXPECT_EQ(Trace(),
-            Joined({{"information Begin: physicianDeleteByPin()"},
-                    ConnectionRead(),
-                    {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                     EndOf("ValidateProviderActiveStatus"), EndOf("ValidateProviderPIN")},
-                    Logged(DeleteStatement("P1")),
-                    ConnectionRead(),
-                    {"error Problem: In physicianDeleteByPin() " + error.description()}}));
+  EXPECT_EQ(Trace(), Joined({{"information Begin: physicianDeleteByPin()"},
+                             ActiveProviderPassed(),
+                             Logged(DeleteStatement("P1")),
+                             ConnectionRead(),
+                             {"error Problem: In physicianDeleteByPin() " + error.description()}}));
 }
 
 }  // namespace

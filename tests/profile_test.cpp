@@ -4,35 +4,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, a profile that is accepted for a provider
 // that is there.
@@ -100,30 +85,14 @@ Profile WithEveryOptional(Profile profile) {
 
 const std::string kOperation = "providerProfileUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
 
 Lines PinPassed(const std::string& pin) {
-  if (pin != "P1") return Joined({ConnectionRead(), Passed("ValidateProviderPIN")});
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
+  if (pin != "P1") return Asked("ValidateProviderPIN");
+  return ActiveProviderPassed();
 }
-Lines AddressPassed() { return Joined({ConnectionRead(), Passed("ValidateShippingAddress")}); }
+Lines AddressPassed() { return Asked("ValidateShippingAddress"); }
 Lines NumbersLookedAt(int count) {
   Lines lines;
   for (int number = 0; number < count; ++number) {
@@ -133,45 +102,23 @@ Lines NumbersLookedAt(int count) {
 }
 Lines NumbersPassed() { return NumbersLookedAt(4); }
 Lines CountyFound() { return ConnectionRead(); }
-Lines KeyTaken() { return Joined({ConnectionRead(), ConnectionRead()}); }
-Lines SectorPassed() { return Joined({ConnectionRead(), Passed("ValidateSector")}); }
+Lines SectorPassed() { return Asked("ValidateSector"); }
 Lines NewPinPassed() { return Passed("ValidateNewProviderPIN"); }
 Lines DatePassed() { return Passed("ValidateVFCCertDate"); }
 Lines ActivePassed() { return Passed("ValidateActiveValue"); }
-Lines SubdivisionPassed() { return Joined({ConnectionRead(), Passed("ValidateSubdivision")}); }
-Lines EnrollmentAdded() { return Joined({ConnectionRead(), Passed("ValidateEnrollmentRecord")}); }
+Lines SubdivisionPassed() { return Asked("ValidateSubdivision"); }
+Lines EnrollmentAdded() { return Asked("ValidateEnrollmentRecord"); }
 Lines CommonPassed(const std::string& pin) {
   return Joined({PinPassed(pin), AddressPassed(), NumbersPassed(), CountyFound(), KeyTaken()});
 }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string CountyQuery(const std::string& zip) {
-  return "SELECT DISTINCT cntyname FROM zipcodes WHERE zip = '" + zip + "' ";
-}
-std::string KeyQuery() {
-  return "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = 'PROVIDER' ";
-}
-std::string KeyUpdate(const std::string& key) {
-  return "UPDATE nextid SET inextid  = " + key +
-         " WHERE ltrim(rtrim(upper(ctablename))) = 'PROVIDER' ";
-}
 std::string SectorCount(const std::string& sector) {
   return "SELECT count(*) FROM sectoref WHERE sector = " + sector + " AND sector BETWEEN 10 AND 29";
 }
 std::string SubdivisionCount(const std::string& subdivision) {
   return "SELECT count(*) FROM subdiv WHERE ltrim(rtrim(subdiv)) = '" + subdivision + "'";
-}
-std::string EnrollmentCount(const std::string& pin) {
-  return "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" + pin + "'";
 }
 std::string EnrollmentInsert(const std::string& pin, const std::string& today) {
   return "INSERT INTO enroll (pin, chgdate, userid,allkids1, medicaid1, uninsured1, amindian1, "
@@ -187,7 +134,8 @@ Lines PinQueries(const std::string& pin) {
   return {ProviderCount(pin), ProviderActive(pin)};
 }
 Lines CommonQueries(const std::string& pin) {
-  return Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery(), KeyUpdate("42")}});
+  return Joined(
+      {PinQueries(pin), {CountyQuery("62701"), KeyQuery("PROVIDER"), KeyUpdate("PROVIDER", "42")}});
 }
 
 // The statements of the profiles above, with those pieces for the optionals.
@@ -1075,12 +1023,7 @@ TEST_F(ProfileOperation, AProviderCanBeDeactivatedButNeverReactivated) {
   Execute("UPDATE nextid SET inextid = 41 WHERE ctablename = 'Provider'");
   for (const Variant& active : {Variant("Y"), Variant("N"), Variant()}) {
     profile.active = active;
-    ExpectRefused(profile, 20083, message,
-                  Joined({ConnectionRead(),
-                          {BeginOf("ValidateProviderPIN")},
-                          Refused("ValidateProviderActiveStatus", message),
-                          {ProblemOf("ValidateProviderPIN", message)}}),
-                  PinQueries("P1"));
+    ExpectRefused(profile, 20083, message, InactiveProviderRefused(message), PinQueries("P1"));
   }
 }
 
@@ -1177,8 +1120,7 @@ TEST_F(ProfileOperation, ThenTheLengthOfThePin) {
        {"TOO-LONG"s, "1234567"s, "ÉÉÉÉÉÉÉ"s, "😀😀😀1"s, "      7"s, std::string(kMebibyte, 'P')}) {
     Profile wrong = WrongFrom(kPinLength, "N1");
     wrong.pin = pin;
-    ExpectRefused(wrong, 20078, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20078, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -1190,8 +1132,7 @@ TEST_F(ProfileOperation, ThenTheCharactersOfThePin) {
        {"P-1"s, "P1'"s, ""s, "   "s, " P1"s, "ÉÉÉÉÉÉ"s, "😀😀😀"s, "P1\0"s, "P 1"s}) {
     Profile wrong = WrongFrom(kPinCharacters, "N1");
     wrong.pin = pin;
-    ExpectRefused(wrong, 20079, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20079, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -1208,8 +1149,7 @@ TEST_F(ProfileOperation, APinThatTwoProvidersHaveIsRefused) {
   AddProvider("TWIN", "29", "Y");
   const std::string message = "Provider PIN entered has a duplicate";
   ExpectRefused(WrongFrom(kFacility, "TWIN"), 20003, message,
-                Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
-                {ProviderCount("TWIN")});
+                RefusedBy("ValidateProviderPIN", message), {ProviderCount("TWIN")});
 }
 
 TEST_F(ProfileOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
@@ -1217,11 +1157,7 @@ TEST_F(ProfileOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
-  ExpectRefused(WrongFrom(kFacility, "OFF"), 20083, message,
-                Joined({ConnectionRead(),
-                        {BeginOf("ValidateProviderPIN")},
-                        Refused("ValidateProviderActiveStatus", message),
-                        {ProblemOf("ValidateProviderPIN", message)}}),
+  ExpectRefused(WrongFrom(kFacility, "OFF"), 20083, message, InactiveProviderRefused(message),
                 {ProviderCount("OFF"), ProviderActive("OFF")});
 }
 
@@ -1233,8 +1169,7 @@ TEST_F(ProfileOperation, APinCountThatIsNoneIsRefused) {
     SCOPED_TRACE(rows.size());
     answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
     ExpectRefused(WrongFrom(kFacility, "N1"), 20005, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
-                  {ProviderCount("N1")});
+                  RefusedBy("ValidateProviderPIN", message), {ProviderCount("N1")});
   }
 }
 
@@ -1381,7 +1316,7 @@ TEST_F(ProfileOperation, ThenTheKeyTableWithoutItsRow) {
     ExpectRefused(
         WrongFrom(kKey, pin), 20096, "Provider does not exist in the NextID table.",
         Joined({PinPassed(pin), AddressPassed(), NumbersPassed(), CountyFound(), ConnectionRead()}),
-        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery()}}));
+        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery("PROVIDER")}}));
   }
 }
 
@@ -1392,7 +1327,7 @@ TEST_F(ProfileOperation, ThenTheKeyTableWithTwoRows) {
         WrongFrom(kKey, pin), 20096,
         "More than one instance of Provider exists in the NextID table.",
         Joined({PinPassed(pin), AddressPassed(), NumbersPassed(), CountyFound(), ConnectionRead()}),
-        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery()}}));
+        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery("PROVIDER")}}));
   }
 }
 

@@ -4,33 +4,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, shipping data that are accepted.
 struct Shipping {
@@ -55,27 +41,8 @@ struct Shipping {
 
 const std::string kOperation = "providerShippingDataUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
-Lines PinPassed() {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
-}
 Lines BeforeAddress() {
   return Joined({{"information Before calling ValidateShippingAddress"}, ConnectionRead()});
 }
@@ -86,23 +53,12 @@ Lines AddressPassed() {
 }
 Lines NumberLookedAt() { return Passed("ValidatePhoneFaxFormat"); }
 Lines ChecksPassed() {
-  return Joined({PinPassed(), AddressPassed(), NumberLookedAt(), NumberLookedAt()});
+  return Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt(), NumberLookedAt()});
 }
 Lines CountyFound() { return ConnectionRead(); }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string CountyQuery(const std::string& zip) {
-  return "SELECT DISTINCT cntyname FROM zipcodes WHERE zip = '" + zip + "' ";
-}
 Lines PinQueries() { return {ProviderCount("P1"), ProviderActive("P1")}; }
 std::string UpdateStatement(const std::string& optionals,
                             const std::string& county = "county = 'SANGAMON', ",
@@ -410,7 +366,7 @@ TEST_F(ShippingOperation, ABlankFaxIsAcceptedUnlooked) {
     shipping.fax = fax;
     ForgetTrace();
     const std::string statement = StatementOf(shipping);
-    EXPECT_EQ(Trace(), Joined({Begun(), PinPassed(), AddressPassed(), NumberLookedAt(),
+    EXPECT_EQ(Trace(), Joined({Begun(), ActiveProviderPassed(), AddressPassed(), NumberLookedAt(),
                                CountyFound(), Logged(statement), ConnectionRead(), Ended()}));
     EXPECT_EQ(Query("SELECT phone, fax FROM provider"), (Rows{{"(217) 555-0100", fax}}));
   }
@@ -491,8 +447,7 @@ TEST_F(ShippingOperation, FirstTheLengthOfThePin) {
        {"TOO-LONG"s, "1234567"s, "ÉÉÉÉÉÉÉ"s, "😀😀😀1"s, std::string(kMebibyte, 'P')}) {
     Shipping wrong = WrongFrom(kPinLength);
     wrong.pin = pin;
-    ExpectRefused(wrong, 20078, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20078, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -502,8 +457,7 @@ TEST_F(ShippingOperation, ThenTheCharactersOfThePin) {
   for (const std::string& pin : {"P-1"s, "P1'"s, ""s, "   "s, " P1"s, "ÉÉÉÉÉÉ"s, "😀😀😀"s, "P1\0"s}) {
     Shipping wrong = WrongFrom(kPinCharacters);
     wrong.pin = pin;
-    ExpectRefused(wrong, 20079, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20079, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -513,8 +467,7 @@ TEST_F(ShippingOperation, APinThatTwoProvidersHaveIsRefused) {
   const std::string message = "Provider PIN entered has a duplicate";
   Shipping wrong = WrongFrom(kFacility);
   wrong.pin = "TWIN";
-  ExpectRefused(wrong, 20003, message,
-                Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
+  ExpectRefused(wrong, 20003, message, RefusedBy("ValidateProviderPIN", message),
                 {ProviderCount("TWIN")});
 }
 
@@ -524,8 +477,7 @@ TEST_F(ShippingOperation, APinCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
-    ExpectRefused(WrongFrom(kFacility), 20005, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
+    ExpectRefused(WrongFrom(kFacility), 20005, message, RefusedBy("ValidateProviderPIN", message),
                   {ProviderCount("P1")});
   }
 }
@@ -535,11 +487,7 @@ TEST_F(ShippingOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
-  ExpectRefused(WrongFrom(kFacility), 20083, message,
-                Joined({ConnectionRead(),
-                        {BeginOf("ValidateProviderPIN")},
-                        Refused("ValidateProviderActiveStatus", message),
-                        {ProblemOf("ValidateProviderPIN", message)}}),
+  ExpectRefused(WrongFrom(kFacility), 20083, message, InactiveProviderRefused(message),
                 PinQueries());
 }
 
@@ -549,7 +497,7 @@ TEST_F(ShippingOperation, ThenThatTheProviderIsThere) {
     Shipping wrong = WrongFrom(kPin);
     wrong.pin = pin;
     ExpectRefused(wrong, 20033, "Provider PIN not found for shipping data update",
-                  Joined({ConnectionRead(), Passed("ValidateProviderPIN")}), {ProviderCount(pin)});
+                  Asked("ValidateProviderPIN"), {ProviderCount(pin)});
   }
 }
 
@@ -557,7 +505,8 @@ TEST_F(ShippingOperation, ThenTheName) {
   for (const char* const name : {"", "   "}) {
     Shipping wrong = WrongFrom(kFacility);
     wrong.facility = name;
-    ExpectRefused(wrong, 20001, "Null provider name was entered", PinPassed(), PinQueries());
+    ExpectRefused(wrong, 20001, "Null provider name was entered", ActiveProviderPassed(),
+                  PinQueries());
   }
 }
 
@@ -565,7 +514,8 @@ TEST_F(ShippingOperation, ThenTheContact) {
   for (const char* const contact : {"", "   "}) {
     Shipping wrong = WrongFrom(kContact);
     wrong.contact = contact;
-    ExpectRefused(wrong, 20002, "Null shipping contact was entered", PinPassed(), PinQueries());
+    ExpectRefused(wrong, 20002, "Null shipping contact was entered", ActiveProviderPassed(),
+                  PinQueries());
   }
 }
 
@@ -574,10 +524,10 @@ TEST_F(ShippingOperation, ThenTheFirstAddressField) {
   for (const char* const address : {"", "  ", "!?", " ' "}) {
     Shipping wrong = WrongFrom(kAddress);
     wrong.address1 = address;
-    ExpectRefused(
-        wrong, 20006, message,
-        Joined({PinPassed(), BeforeAddress(), Refused("ValidateShippingAddress", message)}),
-        PinQueries());
+    ExpectRefused(wrong, 20006, message,
+                  Joined({ActiveProviderPassed(), BeforeAddress(),
+                          Refused("ValidateShippingAddress", message)}),
+                  PinQueries());
   }
 }
 
@@ -586,10 +536,10 @@ TEST_F(ShippingOperation, ThenTheCity) {
   for (const char* const city : {"", "  ", "'"}) {
     Shipping wrong = WrongFrom(kCity);
     wrong.city = city;
-    ExpectRefused(
-        wrong, 20007, message,
-        Joined({PinPassed(), BeforeAddress(), Refused("ValidateShippingAddress", message)}),
-        PinQueries());
+    ExpectRefused(wrong, 20007, message,
+                  Joined({ActiveProviderPassed(), BeforeAddress(),
+                          Refused("ValidateShippingAddress", message)}),
+                  PinQueries());
   }
 }
 
@@ -599,10 +549,10 @@ TEST_F(ShippingOperation, ThenTheState) {
     Shipping wrong = WrongFrom(kState);
     wrong.state = state;
     wrong.zip = "";
-    ExpectRefused(
-        wrong, 20008, message,
-        Joined({PinPassed(), BeforeAddress(), Refused("ValidateShippingAddress", message)}),
-        PinQueries());
+    ExpectRefused(wrong, 20008, message,
+                  Joined({ActiveProviderPassed(), BeforeAddress(),
+                          Refused("ValidateShippingAddress", message)}),
+                  PinQueries());
   }
 }
 
@@ -615,12 +565,14 @@ TEST_F(ShippingOperation, ThenThePhoneEvenWhenBlank) {
   for (const std::string& phone : {""s, "  "s, "              "s, std::string(kMebibyte, '1')}) {
     wrong.phone = phone;
     ExpectRefused(wrong, 20057, "Invalid phone number format",
-                  Joined({PinPassed(), AddressPassed(), NumberLookedAt()}), PinQueries());
+                  Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt()}),
+                  PinQueries());
   }
   for (const std::string& phone : kNoNumbers) {
     wrong.phone = phone;
     ExpectRefused(wrong, 20057, "Invalid phone number format",
-                  Joined({PinPassed(), AddressPassed(), NumberLookedAt()}), PinQueries());
+                  Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt()}),
+                  PinQueries());
   }
 }
 
@@ -778,14 +730,14 @@ TEST_F(ShippingOperation, AVeryLongTextOverflowsWhereItIsTestedForBlank) {
   for (const std::string& text : {std::string(kMebibyte, 'x'), Repeated("é", 32768)}) {
     Shipping wrong = WrongFrom(kFacility);
     wrong.facility = text;
-    ExpectRefused(wrong, 6, [](const std::string&) { return PinPassed(); });
+    ExpectRefused(wrong, 6, [](const std::string&) { return ActiveProviderPassed(); });
     wrong = WrongFrom(kContact);
     wrong.contact = text;
-    ExpectRefused(wrong, 6, [](const std::string&) { return PinPassed(); });
+    ExpectRefused(wrong, 6, [](const std::string&) { return ActiveProviderPassed(); });
     wrong = WrongFrom(kFax);
     wrong.fax = text;
     ExpectRefused(wrong, 6, [](const std::string&) {
-      return Joined({PinPassed(), AddressPassed(), NumberLookedAt()});
+      return Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt()});
     });
   }
 }
