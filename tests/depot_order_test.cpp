@@ -10,7 +10,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -132,7 +132,7 @@ Lines CheckQueries(const Shipment& shipment) {
 const Rows kUntouchedKeys = {{"OTHER", "7"}, {"DISTRIB", "41"}, {"SeekDist", "71"}};
 const Rows kTakenKeys = {{"OTHER", "7"}, {"DISTRIB", "42"}, {"SeekDist", "72"}};
 
-class DepotOrder : public DatabaseTest {
+class DepotOrder : public OperationTest {
  protected:
   void SetUp() override {
     Execute(
@@ -142,12 +142,7 @@ class DepotOrder : public DatabaseTest {
     Execute(
         "INSERT INTO nextid (ctablename, inextid) VALUES ('DISTRIB', 41), ('SeekDist', 71), "
         "('OTHER', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddContract(const std::string& vaccine, const std::string& size,
@@ -191,15 +186,7 @@ class DepotOrder : public DatabaseTest {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY inextid");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query :
-         {"SELECT * FROM neworder", "SELECT * FROM influenza", "SELECT * FROM distrib",
-          "SELECT * FROM pvaccref", "SELECT * FROM provider"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"neworder", "influenza", "distrib", "pvaccref", "provider"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, nothing written,
@@ -208,15 +195,8 @@ class DepotOrder : public DatabaseTest {
                       const std::function<Lines(const std::string& description)>& lines,
                       const Rows& keys = kUntouchedKeys) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(shipment); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(shipment); }, number, lines);
     EXPECT_EQ(Everything(), before);
     EXPECT_EQ(Keys(), keys);
     return error;
@@ -230,17 +210,6 @@ class DepotOrder : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- A first shipment ------------------------------------------------------

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,7 +11,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -150,19 +149,14 @@ std::string Update(const Report& report) {
          "  AND    aDate = {" + report.date + "} ";
 }
 
-class Doses : public DatabaseTest {
+class Doses : public OperationTest {
  protected:
   void SetUp() override {
     Execute("INSERT INTO provider (pin, sector, active) VALUES ('P1', 15, 'Y'), ('P2', 15, 'Y')");
     AddVaccine("HEPA", "3");
     Execute("INSERT INTO vaccref (vaccine, maxno, locactiv) VALUES ('MMR-V', 4, 'Y')");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('DosesAdm', 41), ('OTHER', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddVaccine(const std::string& vaccine, const std::string& maxno,
@@ -202,14 +196,7 @@ class Doses : public DatabaseTest {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY ctablename, inextid");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query : {"SELECT * FROM dosesadm", "SELECT * FROM provider",
-                                    "SELECT * FROM pvaccref", "SELECT * FROM vaccref"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"dosesadm", "provider", "pvaccref", "vaccref"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, nothing written
@@ -238,30 +225,12 @@ class Doses : public DatabaseTest {
     EXPECT_EQ(Statements(), statements);
   }
 
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
-
  private:
   Error ExpectFailed(const Report& report, std::int32_t number,
                      const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(report); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(report); }, number, lines);
     EXPECT_EQ(Everything(), before);
     return error;
   }

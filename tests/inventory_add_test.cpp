@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,7 +9,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -56,18 +55,13 @@ Lines CheckQueries(const std::string& pin, const std::string& vaccine) {
   return {ProviderCount(pin), VaccineCount(vaccine), VaccineActiveCount(vaccine)};
 }
 
-class InventoryAdd : public DatabaseTest {
+class InventoryAdd : public OperationTest {
  protected:
   void SetUp() override {
     Execute("INSERT INTO provider (pin, sector, active) VALUES ('P1', 15, 'Y')");
     AddVaccine("HEPA");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('PROVHAS', 41), ('OTHER', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddVaccine(const std::string& vaccine, const std::string& locactiv = "(1 = 0)") {
@@ -88,14 +82,7 @@ class InventoryAdd : public DatabaseTest {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY ctablename DESC, inextid");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query : {"SELECT * FROM provhas", "SELECT * FROM provider",
-                                    "SELECT * FROM pvaccref", "SELECT * FROM distrib"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"provhas", "provider", "pvaccref", "distrib"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, nothing written
@@ -104,15 +91,8 @@ class InventoryAdd : public DatabaseTest {
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
     const Rows keys = Keys();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(count); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(count); }, number, lines);
     EXPECT_EQ(Everything(), before);
     EXPECT_EQ(Keys(), keys);
     return error;
@@ -125,17 +105,6 @@ class InventoryAdd : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- A count that is accepted -----------------------------------------------

@@ -12,7 +12,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -123,7 +123,7 @@ Lines CheckQueries(const Adjustment& adjustment, const std::string& action = "2"
   return Joined({QueriesUpToTheLookup(adjustment), {DuplicateCount(adjustment, action, source)}});
 }
 
-class InventoryAdjustment : public DatabaseTest {
+class InventoryAdjustment : public OperationTest {
  protected:
   void SetUp() override {
     Execute(
@@ -134,12 +134,7 @@ class InventoryAdjustment : public DatabaseTest {
       AddAction("a" + std::to_string(action), std::to_string(action));
     }
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('DISTRIB', 41)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddStock(const std::string& vaccine, const std::string& lot) {
@@ -172,15 +167,7 @@ class InventoryAdjustment : public DatabaseTest {
         "notes, chgdate, status, shipped, userid FROM distrib");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query :
-         {"SELECT * FROM distrib", "SELECT * FROM provider", "SELECT * FROM stock",
-          "SELECT * FROM actref", "SELECT * FROM nextid", "SELECT * FROM neworder"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"distrib", "provider", "stock", "actref", "nextid", "neworder"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -188,15 +175,8 @@ class InventoryAdjustment : public DatabaseTest {
   Error ExpectRefused(const Adjustment& adjustment, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(adjustment); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(adjustment); }, number, lines);
     EXPECT_EQ(Everything(), before);
     return error;
   }
@@ -208,17 +188,6 @@ class InventoryAdjustment : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- A movement that is not there yet --------------------------------------

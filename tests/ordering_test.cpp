@@ -11,7 +11,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -102,19 +102,14 @@ Lines CheckQueries(const Order& order) {
           OrderCount(order, "= 0")};
 }
 
-class Ordering : public DatabaseTest {
+class Ordering : public OperationTest {
  protected:
   void SetUp() override {
     AddProvider("P1", 15, "Y", "");
     AddProvider("VP", 15, "Y", "V");
     for (const char* const vaccine : {"HEPA", "FLU", "FLU-PF", "VAR"}) AddContract(vaccine);
     Execute("INSERT INTO funding (fundcode) VALUES ('1'), ('2'), ('3')");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddProvider(const std::string& pin, int sector, const std::string& active,
@@ -160,15 +155,7 @@ class Ordering : public DatabaseTest {
         table);
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query :
-         {"SELECT * FROM neworder", "SELECT * FROM influenza", "SELECT * FROM pvaccref",
-          "SELECT * FROM provider", "SELECT * FROM funding"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"neworder", "influenza", "pvaccref", "provider", "funding"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -176,15 +163,8 @@ class Ordering : public DatabaseTest {
   Error ExpectRefused(const Order& order, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(order); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(order); }, number, lines);
     EXPECT_EQ(Everything(), before);
     return error;
   }
@@ -196,9 +176,6 @@ class Ordering : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- An order that is not there yet ---------------------------------------
@@ -996,10 +973,7 @@ TEST_F(Ordering, AProviderCountThatIsNoneIsRefused) {
       {}, {std::int64_t{1}, std::int64_t{1}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != ProviderCount("P1")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(ProviderCount("P1"), rows);
     Order order = WrongFromTheProviderOn();
     order.pin = "P1";
     ExpectRefused(order, 20005, "Error while verifying provider PIN in LOTRIX",
@@ -1095,10 +1069,7 @@ TEST_F(Ordering, AnEligibilityCountThatIsNoneIsRefused) {
       {}, {std::int64_t{1}, std::int64_t{1}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != VaricellaCount("P1")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(VaricellaCount("P1"), rows);
     ExpectRefused(
         WrongFromVaricellaOn(), 20005, "Error while verifying provider PIN in LOTRIX",
         Joined({ActiveProviderPassed(), RefusedBy("ValidateProvideraVaricellaEligibility",
@@ -1141,10 +1112,7 @@ TEST_F(Ordering, AVaricellaVaccineThatIsUnknownIsFoundAfterEligibility) {
 
 TEST_F(Ordering, AVaccineCountBelowNoneIsRefused) {
   const std::string message = "Error while verifying vaccine reference table in LOTRIX";
-  answer_ = [](const std::string& text) -> std::optional<std::vector<Value>> {
-    if (text != VaccineCount("NONE")) return std::nullopt;
-    return std::vector<Value>{std::int64_t{-1}};
-  };
+  AnswerTo(VaccineCount("NONE"), {std::int64_t{-1}});
   ExpectRefused(WrongFromTheVaccineOn(), 20016, message,
                 Joined({ActiveProviderPassed(), VaccineReferenceRefused(message)}),
                 {ProviderCount("P1"), ProviderActive("P1"), VaccineCount("NONE")});
@@ -1200,10 +1168,7 @@ TEST_F(Ordering, AFundingCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {{}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != FundingCount("1")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(FundingCount("1"), rows);
     Order order = WrongFromTheFundingOn();
     order.funding = "1";
     ExpectRefused(order, 20047, message, FundingRefused(message), QueriesUpToTheFunding("1"));
@@ -1347,10 +1312,7 @@ TEST_F(Ordering, AStatusCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != OrderCount(order, "<> 0")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(OrderCount(order, "<> 0"), rows);
     ExpectRefused(order, 20070, message, StatusRefused(message), QueriesUpToTheStatus(order));
   }
 }
@@ -1381,10 +1343,7 @@ TEST_F(Ordering, AnOpenOrderCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != OrderCount(order, "= 0")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(OrderCount(order, "= 0"), rows);
     ExpectRefused(order, 20054, message, DuplicateRefused(message), CheckQueries(order));
   }
 }

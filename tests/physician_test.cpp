@@ -1,17 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -82,16 +80,9 @@ void Call(cLotrix& lotrix, const Physician& given) {
                             given.site, given.medicaid, given.license);
 }
 
-class PhysicianTable : public DatabaseTest {
+class PhysicianTable : public OperationTest {
  protected:
-  void SetUp() override {
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
+  void SetUp() override { WatchOperations(); }
 
   void Add(const std::string& pin, const std::string& lastName, const std::string& firstName) {
     Execute(
@@ -105,19 +96,13 @@ class PhysicianTable : public DatabaseTest {
         "SELECT pin, lastname, firstname, initial, title, other1, medicaidno, medlicense, chgdate "
         "FROM physicn ORDER BY pin, lastname, firstname");
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 class PhysicianAddUpdate : public PhysicianTable {
  protected:
   void Run(const Physician& physician) { Call(lotrix(), physician); }
   std::string StatementOf(const Physician& physician) {
-    static_cast<void>(Statements());
-    Run(physician);
-    const Lines statements = Statements();
-    return statements.empty() ? "" : statements.back();
+    return LastStatementOf([&] { Run(physician); });
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -125,15 +110,8 @@ class PhysicianAddUpdate : public PhysicianTable {
   Error ExpectRefused(const Physician& physician, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Physicians();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(physician); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({{"information Begin: physicianAddUpdate()"},
-                               lines(error.description()),
-                               {"error Problem: In physicianAddUpdate() " + error.description()}}));
+    Error error = ExpectRefusal(
+        "physicianAddUpdate", [&] { Run(physician); }, number, lines);
     EXPECT_EQ(Physicians(), before);
     return error;
   }
@@ -342,17 +320,7 @@ TEST_F(PhysicianAddUpdate, ASecondCallFindsThePhysicianOfTheFirst) {
 
 // The day may change while a call runs.
 TEST_F(PhysicianAddUpdate, TodayIsTakenAtTheStart) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM physicn"), (Rows{{"2026-11-20"}}));
 }
 
@@ -486,7 +454,7 @@ TEST_F(PhysicianAddUpdate, ACountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     const Error error =
         ExpectRefused({}, Coded(20096), [&](const std::string&) { return LookRefused(message); });
     EXPECT_EQ(error.description(), message);
@@ -710,7 +678,7 @@ TEST_F(PhysicianDelete, APinCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     ExpectRefused("P1", 20005, "Error while verifying provider PIN in LOTRIX", {},
                   {ProviderCount("P1")});
   }

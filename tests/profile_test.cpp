@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -12,7 +11,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -173,37 +172,17 @@ void Call(cLotrix& lotrix, const Profile& given) {
       given.active, given.subdivision, given.category1, given.category2, given.category3);
 }
 
-class ProfileOperation : public DatabaseTest {
+class ProfileOperation : public OperationTest {
  protected:
   void SetUp() override {
-    AddProvider("P1", "15", "Y");
+    AddFilledProvider("P1", "15", "Y");
     Execute("INSERT INTO sectoref (sector) VALUES (10), (15), (29), (30)");
     Execute("INSERT INTO subdiv (subdiv) VALUES ('NORTH')");
     Execute(
         "INSERT INTO zipcodes (zip, cntyname) VALUES ('62701', 'SANGAMON'), ('62701', 'SANGAMON'), "
         "('60601', 'COOK'), ('11111', 'ONE'), ('11111', 'TWO'), ('00000', NULL)");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('Provider', 41), ('distrib', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
-
-  // A provider whose every column is filled.
-  void AddProvider(const std::string& pin, const std::string& sector, const std::string& active) {
-    Execute(
-        "INSERT INTO provider (pin, contact, lastname, address, addres2, city, state, zipcode, "
-        "ml_contact, ml_address, ml_addres2, ml_city, ml_state, ml_zipcode, note, phone, fax, "
-        "codes, phone2, fax2, createdate, county, provid, sector, datevfc, extension, firstname, "
-        "initial, title, linkpin, alphaid, active, subdiv, cat1, cat2, cat3, cat4, chgdate, "
-        "userid) VALUES ('" +
-        pin +
-        "', 'OC', 'OL', 'OA1', 'OA2', 'OCI', 'OS', 'OZ', 'OMC', 'OMA1', 'OMA2', 'OMCI', 'OMS', "
-        "'OMZ', 'ON', 'OP', 'OF', 'OV', 'OP2', 'OF2', '1999-01-02', 'OCO', 5, " +
-        sector + ", '1999-03-04', 'OE', 'OFN', 'OI', 'OT', 'OLP', 'OAI', '" + active +
-        "', 'OSD', 'OC1', 'OC2', 'OC3', 'OC4', '1999-05-06', 'OU')");
+    WatchOperations();
   }
 
   void Run(const Profile& profile) { Call(lotrix(), profile); }
@@ -231,10 +210,8 @@ class ProfileOperation : public DatabaseTest {
   [[nodiscard]] Rows Keys() {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY inextid");
   }
-  [[nodiscard]] std::vector<Rows> Tables() {
-    return {Query("SELECT * FROM provider"), Query("SELECT * FROM enroll"),
-            Query("SELECT * FROM subdiv"), Query("SELECT * FROM sectoref"),
-            Query("SELECT * FROM zipcodes")};
+  [[nodiscard]] Rows Tables() {
+    return Contents({"provider", "enroll", "subdiv", "sectoref", "zipcodes"});
   }
 
   // Refused with that number and the whole trace as `lines` tells it; nothing
@@ -244,15 +221,8 @@ class ProfileOperation : public DatabaseTest {
                       bool keyTaken = false) {
     const auto before = Tables();
     const Rows keys = Keys();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(profile); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(profile); }, number, lines);
     EXPECT_EQ(Tables(), before);
     EXPECT_EQ(Keys() != keys, keyTaken);
     if (keyTaken) {
@@ -269,9 +239,6 @@ class ProfileOperation : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 const char* const kBothPins[] = {"N1", "P1"};
@@ -576,7 +543,7 @@ TEST_F(ProfileOperation, AnUnknownZipCodeInsertsAnEmptyCounty) {
 }
 
 TEST_F(ProfileOperation, AProviderWithAPinOfADepotIsNew) {
-  AddProvider("N1", "31", "Y");
+  AddFilledProvider("N1", "31", "Y");
   Run(NewProfile());
   EXPECT_EQ(Query("SELECT lastname, sector FROM provider WHERE pin = 'N1' ORDER BY sector"),
             (Rows{{"CLINIC", "15"}, {"OL", "31"}}));
@@ -810,8 +777,8 @@ TEST_F(ProfileOperation, ACountyWithAnApostropheBreaksTheStatement) {
 }
 
 TEST_F(ProfileOperation, EveryRowOfThePinIsUpdated) {
-  AddProvider(" P1 ", "31", "N");
-  AddProvider("P2", "15", "Y");
+  AddFilledProvider(" P1 ", "31", "N");
+  AddFilledProvider("P2", "15", "Y");
   Run({});
   EXPECT_EQ(
       Query("SELECT pin, lastname, sector, active FROM provider ORDER BY sector, pin"),
@@ -1029,21 +996,10 @@ TEST_F(ProfileOperation, AProviderCanBeDeactivatedButNeverReactivated) {
 
 // The day may change while a call runs.
 TEST_F(ProfileOperation, TodayIsTakenAtTheStartAndAfreshForTheEnrollment) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, NewProfile());
+  RunAcrossMidnight([](cLotrix& own) { Call(own, NewProfile()); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider WHERE pin = 'N1'"), (Rows{{"2026-11-20"}}));
   EXPECT_EQ(Query("SELECT chgdate FROM enroll"), (Rows{{"2026-11-21"}}));
-  midnight = false;
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider WHERE pin = 'P1'"), (Rows{{"2026-11-20"}}));
 }
 
@@ -1145,15 +1101,15 @@ TEST_F(ProfileOperation, APinOfSixCharactersIsAccepted) {
 }
 
 TEST_F(ProfileOperation, APinThatTwoProvidersHaveIsRefused) {
-  AddProvider("TWIN", "10", "Y");
-  AddProvider("TWIN", "29", "Y");
+  AddFilledProvider("TWIN", "10", "Y");
+  AddFilledProvider("TWIN", "29", "Y");
   const std::string message = "Provider PIN entered has a duplicate";
   ExpectRefused(WrongFrom(kFacility, "TWIN"), 20003, message,
                 RefusedBy("ValidateProviderPIN", message), {ProviderCount("TWIN")});
 }
 
 TEST_F(ProfileOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
-  AddProvider("OFF", "15", "N");
+  AddFilledProvider("OFF", "15", "N");
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
@@ -1167,7 +1123,7 @@ TEST_F(ProfileOperation, APinCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     ExpectRefused(WrongFrom(kFacility, "N1"), 20005, message,
                   RefusedBy("ValidateProviderPIN", message), {ProviderCount("N1")});
   }
@@ -1414,10 +1370,7 @@ TEST_F(ProfileOperation, ASectorCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const char* const pin : kBothPins) {
     for (const std::vector<Value>& rows : answers) {
-      answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-        if (text != SectorCount("15")) return std::nullopt;
-        return rows;
-      };
+      AnswerTo(SectorCount("15"), rows);
       Profile wrong = WrongFrom(kSector, pin);
       wrong.classification = "15";
       ExpectRefused(
@@ -1465,8 +1418,8 @@ TEST_F(ProfileOperation, PinsNextToTheReservedOnesAreAccepted) {
 }
 
 TEST_F(ProfileOperation, AReservedPinThatIsThereIsUpdated) {
-  AddProvider("999999", "15", "Y");
-  AddProvider("0", "15", "Y");
+  AddFilledProvider("999999", "15", "Y");
+  AddFilledProvider("0", "15", "Y");
   for (const char* const pin : {"999999", "0"}) {
     SCOPED_TRACE(pin);
     Profile profile;
@@ -1522,10 +1475,7 @@ TEST_F(ProfileOperation, ASubdivisionCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != SubdivisionCount("NORTH")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(SubdivisionCount("NORTH"), rows);
     Profile wrong = WrongFrom(kSubdivision, "P1");
     wrong.subdivision = "NORTH";
     ExpectRefused(wrong, 20065, message,

@@ -4,14 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -36,7 +34,7 @@ const std::string kRange =
 const std::string kBeginNoDate = "The Shipment Begin Date that was entered is not a valid date";
 const std::string kEndNoDate = "The Shipment End Date that was entered is not a valid date";
 
-class Reads : public DatabaseTest {
+class Reads : public OperationTest {
  protected:
   void SetUp() override {
     AddProvider("P1", 10, "'Y'");
@@ -44,12 +42,7 @@ class Reads : public DatabaseTest {
     AddProvider("D01", 30, "'Y'");
     AddVaccine("HEPA", false);
     AddVaccine("MMR", false);
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddProvider(const std::string& pin, int sector, const std::string& active) {
@@ -99,8 +92,6 @@ class Reads : public DatabaseTest {
     for (const Row& row : Cells(table)) lots.push_back(row[3]);
     return lots;
   }
-
-  Answer answer_;
 };
 
 // --- stockTableRead: the query ----------------------------------------------
@@ -390,10 +381,7 @@ TEST_F(StockRead, AnInactiveProvider) {
 
 TEST_F(StockRead, AProviderCountThatIsNone) {
   const std::string message = "Error while verifying provider PIN in LOTRIX";
-  answer_ = [](const std::string& text) -> std::optional<std::vector<Value>> {
-    if (text != ProviderCount("P1")) return std::nullopt;
-    return std::vector<Value>{std::int64_t{-1}};
-  };
+  AnswerTo(ProviderCount("P1"), {std::int64_t{-1}});
   ExpectStockRefused({"P1", "NONE", "", "x", "y"}, 20005, message,
                      RefusedBy("ValidateProviderPIN", message), {ProviderCount("P1")});
 }
@@ -416,10 +404,7 @@ TEST_F(StockRead, AnInactiveVaccine) {
 
 TEST_F(StockRead, AVaccineCountBelowNone) {
   const std::string message = "Error while verifying vaccine reference table in LOTRIX";
-  answer_ = [](const std::string& text) -> std::optional<std::vector<Value>> {
-    if (text != VaccineCount("HEPA")) return std::nullopt;
-    return std::vector<Value>{std::int64_t{-1}};
-  };
+  AnswerTo(VaccineCount("HEPA"), {std::int64_t{-1}});
   ExpectStockRefused({"", "HEPA", "", "x", "y"}, 20016, message, VaccineReferenceRefused(message),
                      {VaccineCount("HEPA")});
 }

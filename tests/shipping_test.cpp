@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -11,7 +10,7 @@
 #include "tests/support/expected_statements.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/extremes.h"
-#include "tests/support/fixture.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
@@ -77,64 +76,31 @@ void Call(cLotrix& lotrix, const Shipping& given) {
                                     given.firstName, given.initial, given.title);
 }
 
-class ShippingOperation : public DatabaseTest {
+class ShippingOperation : public OperationTest {
  protected:
   void SetUp() override {
-    AddProvider("P1", "15", "Y");
+    AddFilledProvider("P1", "15", "Y");
     Execute(
         "INSERT INTO zipcodes (zip, cntyname) VALUES ('62701', 'SANGAMON'), ('62701', 'SANGAMON'), "
         "('60601', 'COOK'), ('11111', 'ONE'), ('11111', 'TWO'), ('00000', NULL)");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('Provider', 41)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
-
-  // A provider whose every column is filled.
-  void AddProvider(const std::string& pin, const std::string& sector, const std::string& active) {
-    Execute(
-        "INSERT INTO provider (pin, contact, lastname, address, addres2, city, state, zipcode, "
-        "ml_contact, ml_address, ml_addres2, ml_city, ml_state, ml_zipcode, note, phone, fax, "
-        "codes, phone2, fax2, createdate, county, provid, sector, datevfc, extension, firstname, "
-        "initial, title, linkpin, alphaid, active, subdiv, cat1, cat2, cat3, cat4, chgdate, "
-        "userid) VALUES ('" +
-        pin +
-        "', 'OC', 'OL', 'OA1', 'OA2', 'OCI', 'OS', 'OZ', 'OMC', 'OMA1', 'OMA2', 'OMCI', 'OMS', "
-        "'OMZ', 'ON', 'OP', 'OF', 'OV', 'OP2', 'OF2', '1999-01-02', 'OCO', 5, " +
-        sector + ", '1999-03-04', 'OE', 'OFN', 'OI', 'OT', 'OLP', 'OAI', '" + active +
-        "', 'OSD', 'OC1', 'OC2', 'OC3', 'OC4', '1999-05-06', 'OU')");
+    WatchOperations();
   }
 
   void Run(const Shipping& shipping) { Call(lotrix(), shipping); }
   std::string StatementOf(const Shipping& shipping) {
-    static_cast<void>(Statements());
-    Run(shipping);
-    const Lines statements = Statements();
-    return statements.empty() ? "" : statements.back();
+    return LastStatementOf([&] { Run(shipping); });
   }
 
-  [[nodiscard]] std::vector<Rows> Tables() {
-    return {Query("SELECT * FROM provider"), Query("SELECT * FROM enroll"),
-            Query("SELECT * FROM zipcodes"), Query("SELECT * FROM nextid")};
-  }
+  [[nodiscard]] Rows Tables() { return Contents({"provider", "enroll", "zipcodes", "nextid"}); }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
   // written.
   Error ExpectRefused(const Shipping& shipping, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const auto before = Tables();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(shipping); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(shipping); }, number, lines);
     EXPECT_EQ(Tables(), before);
     return error;
   }
@@ -146,9 +112,6 @@ class ShippingOperation : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- Accepted ---------------------------------------------------------------
@@ -228,7 +191,7 @@ TEST_F(ShippingOperation, EachOptionalAlone) {
     const std::string column = optional.column;
     SCOPED_TRACE(column);
     Execute("DELETE FROM provider");
-    AddProvider("P1", "15", "Y");
+    AddFilledProvider("P1", "15", "Y");
     Rows expected = Query("SELECT extension, firstname, initial, title FROM provider");
     Shipping shipping;
     shipping.*optional.argument = " straße é ";
@@ -380,8 +343,8 @@ TEST_F(ShippingOperation, ABlankSecondAddressFieldIsAccepted) {
 }
 
 TEST_F(ShippingOperation, EveryRowOfThePinIsUpdated) {
-  AddProvider(" P1 ", "31", "N");
-  AddProvider("P2", "15", "Y");
+  AddFilledProvider(" P1 ", "31", "N");
+  AddFilledProvider("P2", "15", "Y");
   Run({});
   EXPECT_EQ(
       Query("SELECT pin, lastname, sector, active FROM provider ORDER BY sector, pin"),
@@ -390,17 +353,7 @@ TEST_F(ShippingOperation, EveryRowOfThePinIsUpdated) {
 
 // The day may change while a call runs.
 TEST_F(ShippingOperation, TodayIsTakenAtTheStart) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider"), (Rows{{"2026-11-20"}}));
 }
 
@@ -462,8 +415,8 @@ TEST_F(ShippingOperation, ThenTheCharactersOfThePin) {
 }
 
 TEST_F(ShippingOperation, APinThatTwoProvidersHaveIsRefused) {
-  AddProvider("TWIN", "10", "Y");
-  AddProvider("TWIN", "29", "Y");
+  AddFilledProvider("TWIN", "10", "Y");
+  AddFilledProvider("TWIN", "29", "Y");
   const std::string message = "Provider PIN entered has a duplicate";
   Shipping wrong = WrongFrom(kFacility);
   wrong.pin = "TWIN";
@@ -476,7 +429,7 @@ TEST_F(ShippingOperation, APinCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     ExpectRefused(WrongFrom(kFacility), 20005, message, RefusedBy("ValidateProviderPIN", message),
                   {ProviderCount("P1")});
   }
@@ -492,7 +445,7 @@ TEST_F(ShippingOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
 }
 
 TEST_F(ShippingOperation, ThenThatTheProviderIsThere) {
-  AddProvider("NOBODY", "31", "Y");
+  AddFilledProvider("NOBODY", "31", "Y");
   for (const char* const pin : {"NOBODY", "P2", "0", "999999"}) {
     Shipping wrong = WrongFrom(kPin);
     wrong.pin = pin;
