@@ -1,37 +1,22 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, information that is accepted.
 struct Info {
@@ -48,36 +33,14 @@ struct Info {
 
 const std::string kOperation = "providerAdditionalInfoUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines PinPassed() {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                  EndOf("ValidateProviderActiveStatus"), EndOf("ValidateProviderPIN")}});
-}
 Lines PinRefused(const std::string& description) {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN"), ProblemOf("ValidateProviderPIN", description)}});
+  return RefusedBy("ValidateProviderPIN", description);
 }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
 // Of a call whose values are spliced as they stand here.
 std::string UpdateStatement(const Info& info) {
   return "UPDATE provider SET cat2 = '" + info.type +
@@ -92,41 +55,19 @@ void Call(cLotrix& lotrix, const Info& given) {
                                       given.quorvin);
 }
 
-class AdditionalInfo : public DatabaseTest {
+class AdditionalInfo : public OperationTest {
  protected:
   void SetUp() override {
-    AddProvider("P1", "15", "Y");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
-
-  // A provider whose every column is filled.
-  void AddProvider(const std::string& pin, const std::string& sector, const std::string& active) {
-    Execute(
-        "INSERT INTO provider (pin, contact, lastname, address, addres2, city, state, zipcode, "
-        "ml_contact, ml_address, ml_addres2, ml_city, ml_state, ml_zipcode, note, phone, fax, "
-        "codes, phone2, fax2, createdate, county, provid, sector, datevfc, extension, firstname, "
-        "initial, title, linkpin, alphaid, active, subdiv, cat1, cat2, cat3, cat4, chgdate, "
-        "userid) VALUES ('" +
-        pin +
-        "', 'OC', 'OL', 'OA1', 'OA2', 'OCI', 'OS', 'OZ', 'OMC', 'OMA1', 'OMA2', 'OMCI', 'OMS', "
-        "'OMZ', 'ON', 'OP', 'OF', 'OV', 'OP2', 'OF2', '1999-01-02', 'OCO', 5, " +
-        sector + ", '1999-03-04', 'OE', 'OFN', 'OI', 'OT', 'OLP', 'OAI', '" + active +
-        "', 'OSD', 'OC1', 'OC2', 'OC3', 'OC4', '1999-05-06', 'OU')");
+    AddFilledProvider("P1", "15", "Y");
+    WatchOperations();
   }
 
   void Run(const Info& info) { Call(lotrix(), info); }
   // The call, and what its last statement was.
   std::string StatementOf(const Info& info) {
-    static_cast<void>(Statements());
-    Run(info);
+    std::string statement = LastStatementOf([&] { Run(info); });
     Execute("UPDATE provider SET sector = 15");
-    const Lines statements = Statements();
-    return statements.empty() ? "" : statements.back();
+    return statement;
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -134,15 +75,8 @@ class AdditionalInfo : public DatabaseTest {
   Error ExpectRefused(const Info& info, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Query("SELECT * FROM provider");
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(info); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(info); }, number, lines);
     EXPECT_EQ(Query("SELECT * FROM provider"), before);
     return error;
   }
@@ -157,9 +91,6 @@ class AdditionalInfo : public DatabaseTest {
   void ExpectRefusedUnasked(const Info& info, std::int32_t code, const std::string& message) {
     ExpectRefused(info, code, message, {}, {});
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- Accepted -----------------------------------------------------------------
@@ -295,8 +226,8 @@ TEST_F(AdditionalInfo, TextsOfTheirExactLimitsAreAccepted) {
 }
 
 TEST_F(AdditionalInfo, EveryRowOfThePinIsUpdated) {
-  AddProvider(" P1 ", "31", "N");
-  AddProvider("P2", "15", "Y");
+  AddFilledProvider(" P1 ", "31", "N");
+  AddFilledProvider("P2", "15", "Y");
   Run({});
   EXPECT_EQ(Query("SELECT pin, cat2, sector FROM provider ORDER BY pin"),
             (Rows{{" P1 ", "PRIVATE", "12"}, {"P1", "PRIVATE", "12"}, {"P2", "OC2", "15"}}));
@@ -304,17 +235,7 @@ TEST_F(AdditionalInfo, EveryRowOfThePinIsUpdated) {
 
 // The day may change while a call runs.
 TEST_F(AdditionalInfo, TodayIsTakenAtTheStart) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider"), (Rows{{"2026-11-20"}}));
 }
 
@@ -495,8 +416,8 @@ TEST_F(AdditionalInfo, ThenTheCharactersOfThePin) {
 }
 
 TEST_F(AdditionalInfo, APinThatTwoProvidersHaveIsRefused) {
-  AddProvider("TWIN", "10", "Y");
-  AddProvider("TWIN", "29", "Y");
+  AddFilledProvider("TWIN", "10", "Y");
+  AddFilledProvider("TWIN", "29", "Y");
   const std::string message = "Provider PIN entered has a duplicate";
   Info wrong = WrongFrom(kStatement);
   wrong.pin = "TWIN";
@@ -508,7 +429,7 @@ TEST_F(AdditionalInfo, APinCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     ExpectRefused(WrongFrom(kStatement), 20005, message, PinRefused(message),
                   {ProviderCount("P1")});
   }
@@ -519,16 +440,12 @@ TEST_F(AdditionalInfo, AnInactiveProviderIsRefused) {
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
-  ExpectRefused(WrongFrom(kStatement), 20083, message,
-                Joined({ConnectionRead(),
-                        {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                         ProblemOf("ValidateProviderActiveStatus", message),
-                         ProblemOf("ValidateProviderPIN", message)}}),
+  ExpectRefused(WrongFrom(kStatement), 20083, message, InactiveProviderRefused(message),
                 {ProviderCount("P1"), ProviderActive("P1")});
 }
 
 TEST_F(AdditionalInfo, ThenThatTheProviderIsThere) {
-  AddProvider("DEPOT", "31", "Y");
+  AddFilledProvider("DEPOT", "31", "Y");
   for (const char* const pin : {"NOBODY", "DEPOT", "0"}) {
     Info wrong = WrongFrom(kPin);
     wrong.pin = pin;
@@ -548,7 +465,8 @@ TEST_F(AdditionalInfo, ThenThatTheProviderIsThere) {
 // --- Values that would leave their place, and very long ones --------------------
 
 Lines StatementRefused(const Info& spliced) {
-  return Joined({PinPassed(), {"information " + UpdateStatement(spliced)}, ConnectionRead()});
+  return Joined(
+      {ActiveProviderPassed(), {"information " + UpdateStatement(spliced)}, ConnectionRead()});
 }
 
 TEST_F(AdditionalInfo, TheStatementComesLast) {

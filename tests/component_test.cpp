@@ -27,8 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Lines = std::vector<std::string>;
-
 const std::string kNoProvider = "Provider cannot be found. It may not be properly installed.";
 
 std::string FileText(const std::string& path) {

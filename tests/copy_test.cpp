@@ -23,7 +23,6 @@
 namespace lotrix::test {
 namespace {
 
-using Rows = std::vector<Row>;
 using Texts = std::vector<std::string>;
 
 const Texts kTables = {"provider", "enroll",   "physicn",  "neworder", "influenza", "distrib",

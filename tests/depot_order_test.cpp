@@ -1,32 +1,19 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 // A call's arguments; as they stand, a shipment that is accepted.
 struct Shipment {
@@ -57,18 +44,7 @@ Shipment AllWrong() {
 
 const std::string kOperation = "DepotProviderOrderUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-
 Lines Begun() { return {BeginOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Asked(const std::string& routine) { return Joined({ConnectionRead(), Passed(routine)}); }
 
 // The routine has no End line.
 Lines ExcessPassed() { return {BeginOf("ValidateExcessAllowance")}; }
@@ -77,29 +53,10 @@ Lines DuplicatePassed() {
   return Joined({ContractRead(), Asked("ValidateDuplicateDepotProviderOrder")});
 }
 Lines DepotPassed() { return Joined({DuplicatePassed(), Asked("ValidateDepotPIN")}); }
-Lines ProviderPassed() {
-  return Joined({DepotPassed(),
-                 ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
-}
-Lines VaccinePassed() {
-  return Joined({ProviderPassed(),
-                 ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable")},
-                 Passed("ValidateVaccineActiveStatus"),
-                 {EndOf("ValidateAgainstpVaccRefTable")}});
-}
-Lines KeyTaken() { return Joined({ConnectionRead(), ConnectionRead()}); }
+Lines ProviderPassed() { return Joined({DepotPassed(), ActiveProviderPassed()}); }
+Lines VaccinePassed() { return Joined({ProviderPassed(), ActiveVaccinePassed()}); }
 Lines KeysTaken() { return Joined({VaccinePassed(), KeyTaken(), KeyTaken()}); }
 
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
-Lines RefusedBy(const std::string& routine, const std::string& description) {
-  return Joined({ConnectionRead(), Refused(routine, description)});
-}
 Lines ExcessRefused(const std::string& description) {
   return Refused("ValidateExcessAllowance", description);
 }
@@ -145,33 +102,6 @@ std::string Update(const Shipment& shipment, const std::string& doses) {
          "' AND    ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),'')))= '" +
          WithoutDashes(shipment.lot) + "' AND    dateout= {" + shipment.date + "} AND    action= 1";
 }
-std::string DepotCount(const std::string& depot) {
-  return "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 AND "
-         "31 AND ltrim(rtrim(pin)) = '" +
-         depot + "'";
-}
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string VaccineCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine + "'";
-}
-std::string VaccineActiveCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine +
-         "' AND locactiv = .F.";
-}
-std::string KeyQuery(const std::string& table) {
-  return "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = '" + table + "' ";
-}
-std::string KeyUpdate(const std::string& table, const std::string& key) {
-  return "UPDATE nextid SET inextid  = " + key + " WHERE ltrim(rtrim(upper(ctablename))) = '" +
-         table + "' ";
-}
 // With the contract of the default vaccine but for its size.
 std::string Insert(const Shipment& shipment, const std::string& doses = "20",
                    const std::string& size = "10") {
@@ -202,7 +132,7 @@ Lines CheckQueries(const Shipment& shipment) {
 const Rows kUntouchedKeys = {{"OTHER", "7"}, {"DISTRIB", "41"}, {"SeekDist", "71"}};
 const Rows kTakenKeys = {{"OTHER", "7"}, {"DISTRIB", "42"}, {"SeekDist", "72"}};
 
-class DepotOrder : public DatabaseTest {
+class DepotOrder : public OperationTest {
  protected:
   void SetUp() override {
     Execute(
@@ -212,12 +142,7 @@ class DepotOrder : public DatabaseTest {
     Execute(
         "INSERT INTO nextid (ctablename, inextid) VALUES ('DISTRIB', 41), ('SeekDist', 71), "
         "('OTHER', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddContract(const std::string& vaccine, const std::string& size,
@@ -261,15 +186,7 @@ class DepotOrder : public DatabaseTest {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY inextid");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query :
-         {"SELECT * FROM neworder", "SELECT * FROM influenza", "SELECT * FROM distrib",
-          "SELECT * FROM pvaccref", "SELECT * FROM provider"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"neworder", "influenza", "distrib", "pvaccref", "provider"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, nothing written,
@@ -278,15 +195,8 @@ class DepotOrder : public DatabaseTest {
                       const std::function<Lines(const std::string& description)>& lines,
                       const Rows& keys = kUntouchedKeys) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(shipment); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(shipment); }, number, lines);
     EXPECT_EQ(Everything(), before);
     EXPECT_EQ(Keys(), keys);
     return error;
@@ -300,17 +210,6 @@ class DepotOrder : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- A first shipment ------------------------------------------------------
@@ -1161,21 +1060,13 @@ TEST_F(DepotOrder, ThenThatTheProviderIsActive) {
     Shipment shipment = WrongFromTheProviderOn();
     shipment.pin = pin;
     ExpectRefused(
-        shipment, 20083, message,
-        Joined({DepotPassed(),
-                ConnectionRead(),
-                {BeginOf("ValidateProviderPIN")},
-                Refused("ValidateProviderActiveStatus", message),
-                {ProblemOf("ValidateProviderPIN", message)}}),
+        shipment, 20083, message, Joined({DepotPassed(), InactiveProviderRefused(message)}),
         Joined({QueriesUpToTheDepot(shipment), {ProviderCount(pin), ProviderActive(pin)}}));
   }
 }
 
 Lines VaccineRefused(const std::string& description) {
-  return Joined({ProviderPassed(),
-                 ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"),
-                  ProblemOf("ValidateAgainstpVaccRefTable", description)}});
+  return Joined({ProviderPassed(), VaccineReferenceRefused(description)});
 }
 
 TEST_F(DepotOrder, ThenThatTheVaccineIsInTheReference) {
@@ -1197,11 +1088,7 @@ TEST_F(DepotOrder, ThenThatTheVaccineIsActive) {
   Shipment shipment = WrongFromTheProviderOn();
   shipment.pin = "P1";
   ExpectRefused(shipment, 20086, message,
-                Joined({ProviderPassed(),
-                        ConnectionRead(),
-                        {EndOf("ValidateAgainstpVaccRefTable")},
-                        Passed("ValidateVaccineActiveStatus"),
-                        {ProblemOf("ValidateAgainstpVaccRefTable", message)}}),
+                Joined({ProviderPassed(), InactiveVaccineRefused(message)}),
                 QueriesUpToTheVaccine(shipment), {});
 }
 

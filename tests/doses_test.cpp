@@ -4,30 +4,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <limits>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 // A call's arguments; as they stand, a report that is accepted.
 struct Report {
@@ -57,19 +44,8 @@ Report AllWrong() {
 
 const std::string kOperation = "DosesAdministeredUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Asked(const std::string& routine) { return Joined({ConnectionRead(), Passed(routine)}); }
 
 Lines SectorPassed() { return Passed("ValidateVaccAdminSector"); }
 Lines TotalPassed() { return Joined({SectorPassed(), Passed("ValidateTotalDoses")}); }
@@ -89,7 +65,6 @@ Lines DosePassed() { return Joined({VaccinePassed(), Asked("ValidateDoseSeriesNu
 Lines GeneralDosePassed() {
   return Joined({GeneralVaccinePassed(), Asked("ValidateDoseSeriesNumber")});
 }
-Lines KeyTaken() { return Joined({ConnectionRead(), ConnectionRead()}); }
 Lines ChecksPassed() {
   return Joined({DosePassed(), KeyTaken(), Asked("ValidateDuplicateDosesAdmin")});
 }
@@ -98,23 +73,16 @@ Lines GeneralChecksPassed() {
 }
 
 Lines SectorRefused(const std::string& description) {
-  return {BeginOf("ValidateVaccAdminSector"), ProblemOf("ValidateVaccAdminSector", description)};
+  return Refused("ValidateVaccAdminSector", description);
 }
 Lines TotalRefused(const std::string& description) {
-  return Joined({SectorPassed(),
-                 {BeginOf("ValidateTotalDoses"), ProblemOf("ValidateTotalDoses", description)}});
-}
-Lines RefusedBy(const std::string& routine, const std::string& description) {
-  return Joined({ConnectionRead(), {BeginOf(routine), ProblemOf(routine, description)}});
+  return Joined({SectorPassed(), Refused("ValidateTotalDoses", description)});
 }
 Lines ProviderRefused(const std::string& description) {
   return Joined({TotalPassed(), RefusedBy("ValidateProviderPIN", description)});
 }
 Lines VaccineRefused(const std::string& description) {
-  return Joined({ProviderPassed(),
-                 ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"),
-                  ProblemOf("ValidateAgainstpVaccRefTable", description)}});
+  return Joined({ProviderPassed(), VaccineReferenceRefused(description)});
 }
 Lines GeneralVaccineRefused(const std::string& description) {
   return Joined({ProviderPassed(),
@@ -134,13 +102,6 @@ Lines DuplicateRefused(const std::string& description) {
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string VaccineCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine + "'";
-}
 std::string GeneralVaccineCount(const std::string& vaccine) {
   return "SELECT count(*) FROM vaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine + "'";
 }
@@ -151,12 +112,6 @@ std::string LargestDose(const std::string& vaccine) {
 std::string GeneralLargestDose(const std::string& vaccine) {
   return "SELECT MAX( maxno) FROM vaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine +
          "' AND locactiv== 'Y'";
-}
-const std::string kKeyQuery =
-    "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = 'DOSESADM' ";
-std::string KeyUpdate(const std::string& key) {
-  return "UPDATE nextid SET inextid  = " + key +
-         " WHERE ltrim(rtrim(upper(ctablename))) = 'DOSESADM' ";
 }
 std::string DuplicateCount(const Report& report) {
   return "SELECT count(*) FROM DosesAdm WHERE ltrim(rtrim(pin)) = '" + report.pin +
@@ -170,7 +125,8 @@ Lines QueriesUpToTheDose(const Report& report) {
   return Joined({QueriesUpToTheVaccine(report), {LargestDose(report.vaccine)}});
 }
 Lines CheckQueries(const Report& report, const std::string& key = "42") {
-  return Joined({QueriesUpToTheDose(report), {kKeyQuery, KeyUpdate(key), DuplicateCount(report)}});
+  return Joined({QueriesUpToTheDose(report),
+                 {KeyQuery("DOSESADM"), KeyUpdate("DOSESADM", key), DuplicateCount(report)}});
 }
 // With the default report's counts.
 std::string Insert(const Report& report, const std::string& key = "42") {
@@ -193,19 +149,14 @@ std::string Update(const Report& report) {
          "  AND    aDate = {" + report.date + "} ";
 }
 
-class Doses : public DatabaseTest {
+class Doses : public OperationTest {
  protected:
   void SetUp() override {
     Execute("INSERT INTO provider (pin, sector, active) VALUES ('P1', 15, 'Y'), ('P2', 15, 'Y')");
     AddVaccine("HEPA", "3");
     Execute("INSERT INTO vaccref (vaccine, maxno, locactiv) VALUES ('MMR-V', 4, 'Y')");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('DosesAdm', 41), ('OTHER', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddVaccine(const std::string& vaccine, const std::string& maxno,
@@ -245,14 +196,7 @@ class Doses : public DatabaseTest {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY ctablename, inextid");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query : {"SELECT * FROM dosesadm", "SELECT * FROM provider",
-                                    "SELECT * FROM pvaccref", "SELECT * FROM vaccref"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"dosesadm", "provider", "pvaccref", "vaccref"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, nothing written
@@ -281,30 +225,12 @@ class Doses : public DatabaseTest {
     EXPECT_EQ(Statements(), statements);
   }
 
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
-
  private:
   Error ExpectFailed(const Report& report, std::int32_t number,
                      const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(report); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(report); }, number, lines);
     EXPECT_EQ(Everything(), before);
     return error;
   }
@@ -540,7 +466,8 @@ TEST_F(Doses, TheCombinationIsCheckedAgainstTheGeneralReference) {
                    "SELECT count(*) FROM vaccref WHERE ltrim(rtrim(vaccine)) == 'MMR-V'",
                    "SELECT MAX( maxno) FROM vaccref WHERE ltrim(rtrim(vaccine)) == 'MMR-V' AND "
                    "locactiv== 'Y'",
-                   kKeyQuery, KeyUpdate("42"), DuplicateCount(upper), Insert(upper)}));
+                   KeyQuery("DOSESADM"), KeyUpdate("DOSESADM", "42"), DuplicateCount(upper),
+                   Insert(upper)}));
   EXPECT_EQ(Trace(), Joined({Begun(), GeneralChecksPassed(), ConnectionRead(), Ended()}));
   EXPECT_EQ(Query("SELECT vaccine, dose FROM dosesadm"), (Rows{{"MMR-V", "4"}}));
 }
@@ -552,7 +479,8 @@ TEST_F(Doses, ARepeatedReportOfTheCombinationIsUpdated) {
   Run(report);
   EXPECT_EQ(Statements(),
             (Lines{ProviderCount("P1"), GeneralVaccineCount("MMR-V"), GeneralLargestDose("MMR-V"),
-                   kKeyQuery, KeyUpdate("42"), DuplicateCount(report), Update(report)}));
+                   KeyQuery("DOSESADM"), KeyUpdate("DOSESADM", "42"), DuplicateCount(report),
+                   Update(report)}));
   EXPECT_EQ(Query("SELECT vaccine, rowtot, dosesadmid FROM dosesadm"),
             (Rows{{"MMR-V", "91", "8"}}));
 }
@@ -1037,7 +965,7 @@ TEST_F(Doses, ThenThatThereIsAKey) {
   Execute("DELETE FROM nextid WHERE ctablename = 'DosesAdm'");
   ExpectRefused({}, 20096, "Dosesadm does not exist in the NextID table.",
                 Joined({DosePassed(), ConnectionRead()}),
-                Joined({QueriesUpToTheDose({}), {kKeyQuery}}));
+                Joined({QueriesUpToTheDose({}), {KeyQuery("DOSESADM")}}));
 }
 
 TEST_F(Doses, ThenThatThereAreNotTwoKeys) {
@@ -1046,7 +974,7 @@ TEST_F(Doses, ThenThatThereAreNotTwoKeys) {
   Execute("INSERT INTO nextid (ctablename, inextid) VALUES (' DOSESADM ', 90)");
   ExpectRefused({}, 20096, "More than one instance of Dosesadm exists in the NextID table.",
                 Joined({DosePassed(), ConnectionRead()}),
-                Joined({QueriesUpToTheDose({}), {kKeyQuery}}));
+                Joined({QueriesUpToTheDose({}), {KeyQuery("DOSESADM")}}));
 }
 
 TEST_F(Doses, AKeyBehindTheLargestOverflows) {

@@ -1,39 +1,23 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "src/operations/default_enrollment.h"
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments in their order.
 using Arguments = std::array<std::string, 11>;
@@ -51,32 +35,15 @@ Arguments Accepted(const std::string& group = "1") {
 
 const std::string kOperation = "providerEnrollmentAddUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines LookedFor() {
-  return Joined(
-      {ConnectionRead(), {BeginOf("ValidateEnrollmentRecord"), EndOf("ValidateEnrollmentRecord")}});
-}
+Lines LookedFor() { return Asked("ValidateEnrollmentRecord"); }
 Lines LookRefused(const std::string& description) {
-  return Joined(
-      {ConnectionRead(),
-       {BeginOf("ValidateEnrollmentRecord"), ProblemOf("ValidateEnrollmentRecord", description)}});
+  return RefusedBy("ValidateEnrollmentRecord", description);
 }
 
 // The statements as a call builds them.
 
-std::string EnrollmentCount(const std::string& pin) {
-  return "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" + pin + "'";
-}
 std::string InsertStatement(const std::string& g, const std::string& counts,
                             const std::string& pin = "P1") {
   return "INSERT INTO enroll (pin, ensource, chgdate, allkids" + g + ", medicaid" + g +
@@ -105,16 +72,11 @@ void Call(cLotrix& lotrix, const Arguments& given) {
                                      given[6], given[7], given[8], given[9], given[10]);
 }
 
-class Enrollment : public DatabaseTest {
+class Enrollment : public OperationTest {
  protected:
   void SetUp() override {
     Execute("INSERT INTO enroll (pin, ensource) VALUES ('TWIN', 'B'), (' TWIN ', 'C')");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   // A row whose every count is filled: 91 in the first group, 92 in the second.
@@ -130,10 +92,7 @@ class Enrollment : public DatabaseTest {
 
   void Run(const Arguments& arguments) { Call(lotrix(), arguments); }
   std::string StatementOf(const Arguments& arguments) {
-    static_cast<void>(Statements());
-    Run(arguments);
-    const Lines statements = Statements();
-    return statements.empty() ? "" : statements.back();
+    return LastStatementOf([&] { Run(arguments); });
   }
   [[nodiscard]] Row Counts(const std::string& group, const std::string& pin = "P1") {
     const Rows rows =
@@ -147,15 +106,8 @@ class Enrollment : public DatabaseTest {
   Error ExpectRefused(const Arguments& arguments, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Query("SELECT * FROM enroll");
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(arguments); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(arguments); }, number, lines);
     EXPECT_EQ(Query("SELECT * FROM enroll"), before);
     return error;
   }
@@ -169,9 +121,6 @@ class Enrollment : public DatabaseTest {
     }
     EXPECT_EQ(Statements(), Lines{});
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 const char* const kGroups[] = {"1", "2", "3", "4"};
@@ -649,7 +598,7 @@ TEST_F(Enrollment, ACountOfRowsThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     const Error error = ExpectRefused(Accepted(), Coded(20089),
                                       [&](const std::string&) { return LookRefused(message); });
     EXPECT_EQ(error.description(), message);
@@ -659,17 +608,7 @@ TEST_F(Enrollment, ACountOfRowsThatIsNoneIsRefused) {
 
 // The day may change while a call runs.
 TEST_F(Enrollment, TodayIsTakenAtTheStart) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, Accepted());
+  RunAcrossMidnight([](cLotrix& own) { Call(own, Accepted()); });
   EXPECT_EQ(Query("SELECT chgdate FROM enroll WHERE pin = 'P1'"), (Rows{{"2026-11-20"}}));
 }
 

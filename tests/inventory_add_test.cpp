@@ -1,29 +1,18 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 // A call's arguments; as they stand, a count that is accepted.
 struct Count {
@@ -42,64 +31,19 @@ Count AllWrong() { return {.pin = "TOOLONG", .vaccine = " ", .doses = " ", .date
 // The name that the operation has among its lines.
 const std::string kOperation = "provinvAddUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-
 Lines Begun() { return {BeginOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines ProviderPassed() {
-  return Joined({ConnectionRead(), {BeginOf("ValidateProviderPIN"), EndOf("ValidateProviderPIN")}});
-}
-Lines VaccinePassed() {
-  return Joined({ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"), BeginOf("ValidateVaccineActiveStatus"),
-                  EndOf("ValidateVaccineActiveStatus"), EndOf("ValidateAgainstpVaccRefTable")}});
-}
-Lines ChecksPassed() { return Joined({ProviderPassed(), VaccinePassed()}); }
-Lines KeyTaken() { return Joined({ConnectionRead(), ConnectionRead()}); }
+Lines ProviderPassed() { return Asked("ValidateProviderPIN"); }
+Lines ChecksPassed() { return Joined({ProviderPassed(), ActiveVaccinePassed()}); }
 
 Lines ProviderRefused(const std::string& description) {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN"), ProblemOf("ValidateProviderPIN", description)}});
+  return RefusedBy("ValidateProviderPIN", description);
 }
 Lines VaccineRefused(const std::string& description) {
-  return Joined({ProviderPassed(),
-                 ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"),
-                  ProblemOf("ValidateAgainstpVaccRefTable", description)}});
-}
-Lines InactiveVaccineRefused(const std::string& description) {
-  return Joined({ProviderPassed(),
-                 ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"), BeginOf("ValidateVaccineActiveStatus"),
-                  EndOf("ValidateVaccineActiveStatus"),
-                  ProblemOf("ValidateAgainstpVaccRefTable", description)}});
+  return Joined({ProviderPassed(), VaccineReferenceRefused(description)});
 }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string VaccineCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine + "'";
-}
-std::string VaccineActiveCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine +
-         "' AND locactiv = .F.";
-}
-const std::string kKeyQuery =
-    "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = 'PROVHAS' ";
-std::string KeyUpdate(const std::string& key) {
-  return "UPDATE nextid SET inextid  = " + key +
-         " WHERE ltrim(rtrim(upper(ctablename))) = 'PROVHAS' ";
-}
 std::string Insert(const std::string& pin, const std::string& vaccine, const std::string& doses,
                    const std::string& date, const std::string& key) {
   return "INSERT INTO provhas (pin, vaccine, doses, chgdate, idate, provhasid, userid) VALUES ( '" +
@@ -111,18 +55,13 @@ Lines CheckQueries(const std::string& pin, const std::string& vaccine) {
   return {ProviderCount(pin), VaccineCount(vaccine), VaccineActiveCount(vaccine)};
 }
 
-class InventoryAdd : public DatabaseTest {
+class InventoryAdd : public OperationTest {
  protected:
   void SetUp() override {
     Execute("INSERT INTO provider (pin, sector, active) VALUES ('P1', 15, 'Y')");
     AddVaccine("HEPA");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('PROVHAS', 41), ('OTHER', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddVaccine(const std::string& vaccine, const std::string& locactiv = "(1 = 0)") {
@@ -143,14 +82,7 @@ class InventoryAdd : public DatabaseTest {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY ctablename DESC, inextid");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query : {"SELECT * FROM provhas", "SELECT * FROM provider",
-                                    "SELECT * FROM pvaccref", "SELECT * FROM distrib"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"provhas", "provider", "pvaccref", "distrib"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, nothing written
@@ -159,15 +91,8 @@ class InventoryAdd : public DatabaseTest {
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
     const Rows keys = Keys();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(count); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(count); }, number, lines);
     EXPECT_EQ(Everything(), before);
     EXPECT_EQ(Keys(), keys);
     return error;
@@ -180,17 +105,6 @@ class InventoryAdd : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- A count that is accepted -----------------------------------------------
@@ -248,9 +162,9 @@ TEST_F(InventoryAdd, ThePinIsStoredWithItsCaseAndBlanks) {
   Count count;
   count.pin = "p1  ";
   Run(count);
-  EXPECT_EQ(Statements(),
-            Joined({CheckQueries("P1  ", "HEPA"),
-                    {kKeyQuery, KeyUpdate("42"), Insert("p1  ", "HEPA", "12", "1/5/2004", "42")}}));
+  EXPECT_EQ(Statements(), Joined({CheckQueries("P1  ", "HEPA"),
+                                  {KeyQuery("PROVHAS"), KeyUpdate("PROVHAS", "42"),
+                                   Insert("p1  ", "HEPA", "12", "1/5/2004", "42")}}));
   EXPECT_EQ(Query("SELECT pin FROM provhas"), (Rows{{"p1  "}}));
 }
 
@@ -258,9 +172,9 @@ TEST_F(InventoryAdd, TheVaccineCountsInUpperCaseUntrimmed) {
   Count count;
   count.vaccine = "hepa ";
   Run(count);
-  EXPECT_EQ(Statements(),
-            Joined({CheckQueries("P1", "HEPA "),
-                    {kKeyQuery, KeyUpdate("42"), Insert("P1", "HEPA ", "12", "1/5/2004", "42")}}));
+  EXPECT_EQ(Statements(), Joined({CheckQueries("P1", "HEPA "),
+                                  {KeyQuery("PROVHAS"), KeyUpdate("PROVHAS", "42"),
+                                   Insert("P1", "HEPA ", "12", "1/5/2004", "42")}}));
   EXPECT_EQ(Query("SELECT vaccine FROM provhas"), (Rows{{"HEPA "}}));
 }
 
@@ -358,10 +272,9 @@ TEST_F(InventoryAdd, TheCountIsTheNumberOfItsText) {
     count.doses = text;
     static_cast<void>(Statements());
     Run(count);
-    EXPECT_EQ(
-        Statements(),
-        Joined({CheckQueries("P1", "HEPA"),
-                {kKeyQuery, KeyUpdate("42"), Insert("P1", "HEPA", doses, "1/5/2004", "42")}}));
+    EXPECT_EQ(Statements(), Joined({CheckQueries("P1", "HEPA"),
+                                    {KeyQuery("PROVHAS"), KeyUpdate("PROVHAS", "42"),
+                                     Insert("P1", "HEPA", doses, "1/5/2004", "42")}}));
     EXPECT_EQ(Query("SELECT doses FROM provhas"), (Rows{{doses}}));
     Execute("DELETE FROM provhas");
   }
@@ -389,9 +302,9 @@ TEST_F(InventoryAdd, TheDateIsRewrittenFromItsValue) {
     count.date = text;
     static_cast<void>(Statements());
     Run(count);
-    EXPECT_EQ(Statements(),
-              Joined({CheckQueries("P1", "HEPA"),
-                      {kKeyQuery, KeyUpdate("42"), Insert("P1", "HEPA", "12", date, "42")}}));
+    EXPECT_EQ(Statements(), Joined({CheckQueries("P1", "HEPA"),
+                                    {KeyQuery("PROVHAS"), KeyUpdate("PROVHAS", "42"),
+                                     Insert("P1", "HEPA", "12", date, "42")}}));
     Execute("DELETE FROM provhas");
   }
 }
@@ -413,10 +326,9 @@ TEST_F(InventoryAdd, TheZeroDateIsRewrittenAsATimeOfThatDay) {
   Count count;
   count.date = "12/30/1899";
   Run(count);
-  EXPECT_EQ(
-      Statements(),
-      Joined({CheckQueries("P1", "HEPA"),
-              {kKeyQuery, KeyUpdate("42"), Insert("P1", "HEPA", "12", "12:00:00 AM", "42")}}));
+  EXPECT_EQ(Statements(), Joined({CheckQueries("P1", "HEPA"),
+                                  {KeyQuery("PROVHAS"), KeyUpdate("PROVHAS", "42"),
+                                   Insert("P1", "HEPA", "12", "12:00:00 AM", "42")}}));
   EXPECT_EQ(Query("SELECT idate FROM provhas"), (Rows{{"1899-12-30"}}));
 }
 
@@ -583,7 +495,8 @@ TEST_F(InventoryAdd, ThenThatTheVaccineIsActive) {
     SCOPED_TRACE(vaccine);
     Count count = WrongFromTheReferenceOn();
     count.vaccine = vaccine;
-    ExpectRefused(count, 20086, message, InactiveVaccineRefused(message),
+    ExpectRefused(count, 20086, message,
+                  Joined({ProviderPassed(), InactiveVaccineRefused(message)}),
                   CheckQueries("P1", vaccine));
   }
 }
@@ -606,14 +519,14 @@ TEST_F(InventoryAdd, ThenThatThereIsAKey) {
   Execute("DELETE FROM nextid WHERE ctablename = 'PROVHAS'");
   ExpectRefused({}, 20096, "provhas does not exist in the NextID table.",
                 Joined({ChecksPassed(), ConnectionRead()}),
-                Joined({CheckQueries("P1", "HEPA"), {kKeyQuery}}));
+                Joined({CheckQueries("P1", "HEPA"), {KeyQuery("PROVHAS")}}));
 }
 
 TEST_F(InventoryAdd, ThenThatThereAreNotTwoKeys) {
   Execute("INSERT INTO nextid (ctablename, inextid) VALUES (' provhas ', 90)");
   ExpectRefused({}, 20096, "More than one instance of provhas exists in the NextID table.",
                 Joined({ChecksPassed(), ConnectionRead()}),
-                Joined({CheckQueries("P1", "HEPA"), {kKeyQuery}}));
+                Joined({CheckQueries("P1", "HEPA"), {KeyQuery("PROVHAS")}}));
 }
 
 TEST_F(InventoryAdd, AKeyBehindTheLargestOverflows) {
@@ -679,9 +592,9 @@ TEST_F(InventoryAdd, TheCountAndTheDateAreReadUpToTheirZeroCharacter) {
   count.doses = std::string("12\0x", 4);
   count.date = std::string("1/5/2004\0'}", 11);
   Run(count);
-  EXPECT_EQ(Statements(),
-            Joined({CheckQueries("P1", "HEPA"),
-                    {kKeyQuery, KeyUpdate("42"), Insert("P1", "HEPA", "12", "1/5/2004", "42")}}));
+  EXPECT_EQ(Statements(), Joined({CheckQueries("P1", "HEPA"),
+                                  {KeyQuery("PROVHAS"), KeyUpdate("PROVHAS", "42"),
+                                   Insert("P1", "HEPA", "12", "1/5/2004", "42")}}));
   EXPECT_EQ(Query("SELECT doses, idate FROM provhas"), (Rows{{"12", "2004-01-05"}}));
 }
 

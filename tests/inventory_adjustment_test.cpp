@@ -3,31 +3,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "src/utility/keys_and_lookups.h"
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 // A call's arguments; as they stand, an adjustment that is accepted. The reference
 // has a status "aN" for every action code N.
@@ -59,19 +47,8 @@ Adjustment AllWrong() {
 
 const std::string kOperation = "providerInventoryAdjustmentUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Asked(const std::string& routine) { return Joined({ConnectionRead(), Passed(routine)}); }
 
 Lines DatesPassed() { return Passed("ValidateProviderInventoryAdjustDates"); }
 Lines ProviderPassed() { return Joined({DatesPassed(), Asked("ValidateProviderPIN")}); }
@@ -81,13 +58,6 @@ Lines ActionPassed() { return Joined({LotPassed(), Asked("ValidateActionCode")})
 Lines ActionLookedUp() { return Joined({ActionPassed(), ConnectionRead()}); }
 Lines ChecksPassed() {
   return Joined({ActionLookedUp(), Asked("ValidateDuplicateProviderInventoryAdjustment")});
-}
-
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
-Lines RefusedBy(const std::string& routine, const std::string& description) {
-  return Joined({ConnectionRead(), Refused(routine, description)});
 }
 
 // The statements as a call builds them.
@@ -100,15 +70,6 @@ std::string WithoutDashes(const std::string& lot) {
   return rest;
 }
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string DepotCount(const std::string& depot) {
-  return "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 AND "
-         "31 AND ltrim(rtrim(pin)) = '" +
-         depot + "'";
-}
 std::string LotCount(const std::string& vaccine, const std::string& lot) {
   return "SELECT count(*) FROM stock WHERE ltrim(rtrim(vaccine)) = '" + vaccine +
          "' AND ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = '" + WithoutDashes(lot) + "'";
@@ -162,7 +123,7 @@ Lines CheckQueries(const Adjustment& adjustment, const std::string& action = "2"
   return Joined({QueriesUpToTheLookup(adjustment), {DuplicateCount(adjustment, action, source)}});
 }
 
-class InventoryAdjustment : public DatabaseTest {
+class InventoryAdjustment : public OperationTest {
  protected:
   void SetUp() override {
     Execute(
@@ -173,12 +134,7 @@ class InventoryAdjustment : public DatabaseTest {
       AddAction("a" + std::to_string(action), std::to_string(action));
     }
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('DISTRIB', 41)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddStock(const std::string& vaccine, const std::string& lot) {
@@ -211,15 +167,7 @@ class InventoryAdjustment : public DatabaseTest {
         "notes, chgdate, status, shipped, userid FROM distrib");
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query :
-         {"SELECT * FROM distrib", "SELECT * FROM provider", "SELECT * FROM stock",
-          "SELECT * FROM actref", "SELECT * FROM nextid", "SELECT * FROM neworder"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"distrib", "provider", "stock", "actref", "nextid", "neworder"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -227,15 +175,8 @@ class InventoryAdjustment : public DatabaseTest {
   Error ExpectRefused(const Adjustment& adjustment, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(adjustment); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(adjustment); }, number, lines);
     EXPECT_EQ(Everything(), before);
     return error;
   }
@@ -247,17 +188,6 @@ class InventoryAdjustment : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  void AnswerTo(const std::string& query, std::vector<Value> records) {
-    answer_ = [query, records = std::move(records)](
-                  const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != query) return std::nullopt;
-      return records;
-    };
-  }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- A movement that is not there yet --------------------------------------

@@ -19,7 +19,6 @@
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Arguments = std::vector<Argument>;
 
 // What a client may know of a parameter.

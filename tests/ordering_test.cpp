@@ -1,30 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
 
 bool StartsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
@@ -59,35 +49,11 @@ Order AllWrong() {
 
 const std::string kOperation = "manufacturerProviderOrderCreateUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
 
-Lines ProviderPassed() {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
-}
-Lines VaricellaPassed() {
-  return Joined({ConnectionRead(), Passed("ValidateProvideraVaricellaEligibility")});
-}
-Lines VaccinePassed() {
-  return Joined({ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable")},
-                 Passed("ValidateVaccineActiveStatus"),
-                 {EndOf("ValidateAgainstpVaccRefTable")}});
-}
-Lines FundingPassed() { return Joined({ConnectionRead(), Passed("ValidateFundingCodeandPO")}); }
+Lines VaricellaPassed() { return Asked("ValidateProvideraVaricellaEligibility"); }
+Lines FundingPassed() { return Asked("ValidateFundingCodeandPO"); }
 Lines ExcessPassed() { return {BeginOf("ValidateExcessAllowance")}; }
 Lines DuplicatePassed() {
   return Joined({ConnectionRead(),
@@ -96,39 +62,19 @@ Lines DuplicatePassed() {
                  {EndOf("ValidateDuplicateManufacturerOrder")}});
 }
 Lines ChecksPassed() {
-  return Joined(
-      {ProviderPassed(), VaccinePassed(), FundingPassed(), ExcessPassed(), DuplicatePassed()});
+  return Joined({ActiveProviderPassed(), ActiveVaccinePassed(), FundingPassed(), ExcessPassed(),
+                 DuplicatePassed()});
 }
 Lines VaricellaChecksPassed() {
-  return Joined({ProviderPassed(), VaricellaPassed(), VaccinePassed(), FundingPassed(),
+  return Joined({ActiveProviderPassed(), VaricellaPassed(), ActiveVaccinePassed(), FundingPassed(),
                  ExcessPassed(), DuplicatePassed()});
-}
-
-// A routine called with the connection, refusing with a message of its own.
-Lines RefusedBy(const std::string& routine, const std::string& description) {
-  return Joined({ConnectionRead(), {BeginOf(routine), ProblemOf(routine, description)}});
 }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
 std::string VaricellaCount(const std::string& pin) {
   return "SELECT count(*) FROM provider WHERE ltrim(rtrim(pin)) = '" + pin +
          "' and trim(codes)='V'";
-}
-std::string VaccineCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine + "'";
-}
-std::string VaccineActiveCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine +
-         "' AND locactiv = .F.";
 }
 std::string FundingCount(const std::string& funding) {
   return "SELECT count(*) FROM funding WHERE ltrim(rtrim(fundcode)) = '" + funding + "'";
@@ -156,19 +102,14 @@ Lines CheckQueries(const Order& order) {
           OrderCount(order, "= 0")};
 }
 
-class Ordering : public DatabaseTest {
+class Ordering : public OperationTest {
  protected:
   void SetUp() override {
     AddProvider("P1", 15, "Y", "");
     AddProvider("VP", 15, "Y", "V");
     for (const char* const vaccine : {"HEPA", "FLU", "FLU-PF", "VAR"}) AddContract(vaccine);
     Execute("INSERT INTO funding (fundcode) VALUES ('1'), ('2'), ('3')");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddProvider(const std::string& pin, int sector, const std::string& active,
@@ -214,15 +155,7 @@ class Ordering : public DatabaseTest {
         table);
   }
   [[nodiscard]] Rows Everything() {
-    Rows all;
-    for (const char* const query :
-         {"SELECT * FROM neworder", "SELECT * FROM influenza", "SELECT * FROM pvaccref",
-          "SELECT * FROM provider", "SELECT * FROM funding"}) {
-      const Rows rows = Query(query);
-      all.push_back({query, std::to_string(rows.size())});
-      all.insert(all.end(), rows.begin(), rows.end());
-    }
-    return all;
+    return Contents({"neworder", "influenza", "pvaccref", "provider", "funding"});
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -230,15 +163,8 @@ class Ordering : public DatabaseTest {
   Error ExpectRefused(const Order& order, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Everything();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(order); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(order); }, number, lines);
     EXPECT_EQ(Everything(), before);
     return error;
   }
@@ -250,9 +176,6 @@ class Ordering : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- An order that is not there yet ---------------------------------------
@@ -1050,10 +973,7 @@ TEST_F(Ordering, AProviderCountThatIsNoneIsRefused) {
       {}, {std::int64_t{1}, std::int64_t{1}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != ProviderCount("P1")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(ProviderCount("P1"), rows);
     Order order = WrongFromTheProviderOn();
     order.pin = "P1";
     ExpectRefused(order, 20005, "Error while verifying provider PIN in LOTRIX",
@@ -1069,7 +989,7 @@ TEST_F(Ordering, ThenThatTheProviderIsKnown) {
     Order order = WrongFromTheProviderOn();
     order.pin = pin;
     ExpectRefused(order, 20004, "Provider entered not found in LOTRIX",
-                  Joined({ConnectionRead(), Passed("ValidateProviderPIN")}), {ProviderCount(pin)});
+                  Asked("ValidateProviderPIN"), {ProviderCount(pin)});
   }
 }
 
@@ -1082,11 +1002,7 @@ TEST_F(Ordering, ThenThatTheProviderIsActive) {
     Execute("UPDATE provider SET active = " + std::string(active) + " WHERE pin = 'P1'");
     Order order = WrongFromTheProviderOn();
     order.pin = "P1";
-    ExpectRefused(order, 20083, message,
-                  Joined({ConnectionRead(),
-                          {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                           ProblemOf("ValidateProviderActiveStatus", message),
-                           ProblemOf("ValidateProviderPIN", message)}}),
+    ExpectRefused(order, 20083, message, InactiveProviderRefused(message),
                   {ProviderCount("P1"), ProviderActive("P1")});
   }
 }
@@ -1104,7 +1020,7 @@ TEST_F(Ordering, ThenThatThereIsADate) {
     SCOPED_TRACE(date);
     Order order = WrongFromTheDateOn();
     order.date = date;
-    ExpectRefused(order, 20076, "Null value for manufacturer order date", ProviderPassed(),
+    ExpectRefused(order, 20076, "Null value for manufacturer order date", ActiveProviderPassed(),
                   {ProviderCount("P1"), ProviderActive("P1")});
   }
 }
@@ -1117,7 +1033,7 @@ TEST_F(Ordering, ThenThatTheDateIsOne) {
     Order order = WrongFromTheDateOn();
     order.date = date;
     ExpectRefused(order, 20075, "Order date for the manufacturer order is not a valid date",
-                  ProviderPassed(), {ProviderCount("P1"), ProviderActive("P1")});
+                  ActiveProviderPassed(), {ProviderCount("P1"), ProviderActive("P1")});
   }
 }
 
@@ -1132,7 +1048,7 @@ TEST_F(Ordering, ThenThatTheProviderIsEligibleForVaricella) {
   Order order = WrongFromVaricellaOn();
   order.vaccine = "var";
   ExpectRefused(order, 20092, "The provider is not eligible for ordering VAR",
-                Joined({ProviderPassed(), VaricellaPassed()}),
+                Joined({ActiveProviderPassed(), VaricellaPassed()}),
                 {ProviderCount("P1"), ProviderActive("P1"), VaricellaCount("P1")});
 }
 
@@ -1142,8 +1058,8 @@ TEST_F(Ordering, TwoEligibleRowsOfAPinAreRefusedWhateverTheirSectors) {
   Order order = WrongFromVaricellaOn();
   order.pin = "VP";
   ExpectRefused(order, 20003, "Provider PIN entered has a duplicate",
-                Joined({ProviderPassed(), RefusedBy("ValidateProvideraVaricellaEligibility",
-                                                    "Provider PIN entered has a duplicate")}),
+                Joined({ActiveProviderPassed(), RefusedBy("ValidateProvideraVaricellaEligibility",
+                                                          "Provider PIN entered has a duplicate")}),
                 {ProviderCount("VP"), ProviderActive("VP"), VaricellaCount("VP")});
 }
 
@@ -1153,14 +1069,11 @@ TEST_F(Ordering, AnEligibilityCountThatIsNoneIsRefused) {
       {}, {std::int64_t{1}, std::int64_t{1}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != VaricellaCount("P1")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(VaricellaCount("P1"), rows);
     ExpectRefused(
         WrongFromVaricellaOn(), 20005, "Error while verifying provider PIN in LOTRIX",
-        Joined({ProviderPassed(), RefusedBy("ValidateProvideraVaricellaEligibility",
-                                            "Error while verifying provider PIN in LOTRIX")}),
+        Joined({ActiveProviderPassed(), RefusedBy("ValidateProvideraVaricellaEligibility",
+                                                  "Error while verifying provider PIN in LOTRIX")}),
         {ProviderCount("P1"), ProviderActive("P1"), VaricellaCount("P1")});
   }
 }
@@ -1173,11 +1086,6 @@ Order WrongFromTheVaccineOn() {
 
 // The reference check of the vaccine has no Begin line: its End line stands on
 // entry.
-Lines VaccineRefused(const std::string& description) {
-  return Joined({ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"),
-                  ProblemOf("ValidateAgainstpVaccRefTable", description)}});
-}
 
 TEST_F(Ordering, ThenThatTheVaccineIsKnown) {
   const std::string message = "Vaccine not available to private provider in LOTRIX";
@@ -1185,7 +1093,8 @@ TEST_F(Ordering, ThenThatTheVaccineIsKnown) {
     SCOPED_TRACE(vaccine);
     Order order = WrongFromTheVaccineOn();
     order.vaccine = vaccine;
-    ExpectRefused(order, 20051, message, Joined({ProviderPassed(), VaccineRefused(message)}),
+    ExpectRefused(order, 20051, message,
+                  Joined({ActiveProviderPassed(), VaccineReferenceRefused(message)}),
                   {ProviderCount("P1"), ProviderActive("P1"), VaccineCount(vaccine)});
   }
 }
@@ -1196,18 +1105,16 @@ TEST_F(Ordering, AVaricellaVaccineThatIsUnknownIsFoundAfterEligibility) {
   Order order = WrongFromVaricellaOn();
   order.pin = "VP";
   ExpectRefused(
-      order, 20051, message, Joined({ProviderPassed(), VaricellaPassed(), VaccineRefused(message)}),
+      order, 20051, message,
+      Joined({ActiveProviderPassed(), VaricellaPassed(), VaccineReferenceRefused(message)}),
       {ProviderCount("VP"), ProviderActive("VP"), VaricellaCount("VP"), VaccineCount("VAR")});
 }
 
 TEST_F(Ordering, AVaccineCountBelowNoneIsRefused) {
   const std::string message = "Error while verifying vaccine reference table in LOTRIX";
-  answer_ = [](const std::string& text) -> std::optional<std::vector<Value>> {
-    if (text != VaccineCount("NONE")) return std::nullopt;
-    return std::vector<Value>{std::int64_t{-1}};
-  };
+  AnswerTo(VaccineCount("NONE"), {std::int64_t{-1}});
   ExpectRefused(WrongFromTheVaccineOn(), 20016, message,
-                Joined({ProviderPassed(), VaccineRefused(message)}),
+                Joined({ActiveProviderPassed(), VaccineReferenceRefused(message)}),
                 {ProviderCount("P1"), ProviderActive("P1"), VaccineCount("NONE")});
 }
 
@@ -1218,11 +1125,7 @@ TEST_F(Ordering, ThenThatTheVaccineIsActive) {
   Order order = WrongFromTheVaccineOn();
   order.vaccine = "OLDV";
   ExpectRefused(order, 20086, message,
-                Joined({ProviderPassed(),
-                        ConnectionRead(),
-                        {EndOf("ValidateAgainstpVaccRefTable")},
-                        Passed("ValidateVaccineActiveStatus"),
-                        {ProblemOf("ValidateAgainstpVaccRefTable", message)}}),
+                Joined({ActiveProviderPassed(), InactiveVaccineRefused(message)}),
                 {ProviderCount("P1"), ProviderActive("P1"), VaccineCount("OLDV"),
                  VaccineActiveCount("OLDV")});
 }
@@ -1234,8 +1137,8 @@ Order WrongFromTheFundingOn() {
 }
 
 Lines FundingRefused(const std::string& description) {
-  return Joined(
-      {ProviderPassed(), VaccinePassed(), RefusedBy("ValidateFundingCodeandPO", description)});
+  return Joined({ActiveProviderPassed(), ActiveVaccinePassed(),
+                 RefusedBy("ValidateFundingCodeandPO", description)});
 }
 Lines QueriesUpToTheFunding(const std::string& funding) {
   return {ProviderCount("P1"), ProviderActive("P1"), VaccineCount("HEPA"),
@@ -1265,10 +1168,7 @@ TEST_F(Ordering, AFundingCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {{}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != FundingCount("1")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(FundingCount("1"), rows);
     Order order = WrongFromTheFundingOn();
     order.funding = "1";
     ExpectRefused(order, 20047, message, FundingRefused(message), QueriesUpToTheFunding("1"));
@@ -1318,8 +1218,8 @@ Order WrongFromTheExcessOn() {
 
 Lines ExcessRefused(const std::string& description) {
   return Joined(
-      {ProviderPassed(),
-       VaccinePassed(),
+      {ActiveProviderPassed(),
+       ActiveVaccinePassed(),
        FundingPassed(),
        {BeginOf("ValidateExcessAllowance"), ProblemOf("ValidateExcessAllowance", description)}});
 }
@@ -1360,8 +1260,8 @@ Order WithoutAContract() {
 }
 
 Lines StatusRefused(const std::string& description) {
-  return Joined({ProviderPassed(),
-                 VaccinePassed(),
+  return Joined({ActiveProviderPassed(),
+                 ActiveVaccinePassed(),
                  FundingPassed(),
                  ExcessPassed(),
                  ConnectionRead(),
@@ -1412,17 +1312,14 @@ TEST_F(Ordering, AStatusCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != OrderCount(order, "<> 0")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(OrderCount(order, "<> 0"), rows);
     ExpectRefused(order, 20070, message, StatusRefused(message), QueriesUpToTheStatus(order));
   }
 }
 
 Lines DuplicateRefused(const std::string& description) {
-  return Joined({ProviderPassed(),
-                 VaccinePassed(),
+  return Joined({ActiveProviderPassed(),
+                 ActiveVaccinePassed(),
                  FundingPassed(),
                  ExcessPassed(),
                  ConnectionRead(),
@@ -1446,10 +1343,7 @@ TEST_F(Ordering, AnOpenOrderCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != OrderCount(order, "= 0")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(OrderCount(order, "= 0"), rows);
     ExpectRefused(order, 20054, message, DuplicateRefused(message), CheckQueries(order));
   }
 }
@@ -1493,7 +1387,7 @@ TEST_F(Ordering, AnApostropheInTheVaccineIsRefusedAsSyntax) {
     order.vaccine = vaccine;
     ExpectRefused(order, Numbered(EngineError::kStatementRefused),
                   [](const std::string& description) {
-                    return Joined({ProviderPassed(), VaccineRefused(description)});
+                    return Joined({ActiveProviderPassed(), VaccineReferenceRefused(description)});
                   });
   }
 }
@@ -1570,7 +1464,7 @@ TEST_F(Ordering, AZeroCharacterInTheVaccineIsRefusedAsSyntax) {
   order.vaccine = std::string("HEPA\0", 5);
   ExpectRefused(order, Numbered(EngineError::kStatementRefused),
                 [](const std::string& description) {
-                  return Joined({ProviderPassed(), VaccineRefused(description)});
+                  return Joined({ActiveProviderPassed(), VaccineReferenceRefused(description)});
                 });
 }
 
@@ -1619,8 +1513,6 @@ TEST_F(Ordering, AStatePurchaseOrderOfAZeroCharacterIsNotBlank) {
 
 // --- Very long arguments ----------------------------------------------------
 
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
 TEST_F(Ordering, AVeryLongPinIsTooLong) {
   const std::string message =
       "The number of characters in the pin entered exceeds the maximum allowed";
@@ -1634,7 +1526,7 @@ TEST_F(Ordering, AVeryLongVaccineIsUnknown) {
   Order order;
   order.vaccine = std::string(kMebibyte, 'v');
   ExpectRefused(
-      order, 20051, message, Joined({ProviderPassed(), VaccineRefused(message)}),
+      order, 20051, message, Joined({ActiveProviderPassed(), VaccineReferenceRefused(message)}),
       {ProviderCount("P1"), ProviderActive("P1"), VaccineCount(std::string(kMebibyte, 'V'))});
 }
 
@@ -1658,7 +1550,7 @@ TEST_F(Ordering, AVeryLongTextOverflowsWhereItIsTestedForBlank) {
   ExpectRefused(order, 6, [](const std::string&) { return Lines{}; });
   order = WrongFromTheDateOn();
   order.date = std::string(kMebibyte, '1');
-  ExpectRefused(order, 6, [](const std::string&) { return ProviderPassed(); });
+  ExpectRefused(order, 6, [](const std::string&) { return ActiveProviderPassed(); });
 }
 
 TEST_F(Ordering, AsManyCharactersAs16BitsCountAreNoOverflow) {

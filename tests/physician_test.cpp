@@ -1,36 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, a physician without any optional field.
 struct Physician {
@@ -67,23 +51,9 @@ const Optional kOptionals[] = {{"initial", &Physician::initial},
 
 // The lines of the trace, piece by piece as a call comes by them.
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines LookedFor() {
-  return Joined(
-      {ConnectionRead(), {BeginOf("ValidatePhysicnRecord"), EndOf("ValidatePhysicnRecord")}});
-}
+Lines LookedFor() { return Asked("ValidatePhysicnRecord"); }
 Lines LookRefused(const std::string& description) {
-  return Joined(
-      {ConnectionRead(),
-       {BeginOf("ValidatePhysicnRecord"), ProblemOf("ValidatePhysicnRecord", description)}});
+  return RefusedBy("ValidatePhysicnRecord", description);
 }
 
 // The statements as a call builds them.
@@ -110,16 +80,9 @@ void Call(cLotrix& lotrix, const Physician& given) {
                             given.site, given.medicaid, given.license);
 }
 
-class PhysicianTable : public DatabaseTest {
+class PhysicianTable : public OperationTest {
  protected:
-  void SetUp() override {
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
+  void SetUp() override { WatchOperations(); }
 
   void Add(const std::string& pin, const std::string& lastName, const std::string& firstName) {
     Execute(
@@ -133,19 +96,13 @@ class PhysicianTable : public DatabaseTest {
         "SELECT pin, lastname, firstname, initial, title, other1, medicaidno, medlicense, chgdate "
         "FROM physicn ORDER BY pin, lastname, firstname");
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 class PhysicianAddUpdate : public PhysicianTable {
  protected:
   void Run(const Physician& physician) { Call(lotrix(), physician); }
   std::string StatementOf(const Physician& physician) {
-    static_cast<void>(Statements());
-    Run(physician);
-    const Lines statements = Statements();
-    return statements.empty() ? "" : statements.back();
+    return LastStatementOf([&] { Run(physician); });
   }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
@@ -153,15 +110,8 @@ class PhysicianAddUpdate : public PhysicianTable {
   Error ExpectRefused(const Physician& physician, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const Rows before = Physicians();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(physician); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({{"information Begin: physicianAddUpdate()"},
-                               lines(error.description()),
-                               {"error Problem: In physicianAddUpdate() " + error.description()}}));
+    Error error = ExpectRefusal(
+        "physicianAddUpdate", [&] { Run(physician); }, number, lines);
     EXPECT_EQ(Physicians(), before);
     return error;
   }
@@ -370,17 +320,7 @@ TEST_F(PhysicianAddUpdate, ASecondCallFindsThePhysicianOfTheFirst) {
 
 // The day may change while a call runs.
 TEST_F(PhysicianAddUpdate, TodayIsTakenAtTheStart) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM physicn"), (Rows{{"2026-11-20"}}));
 }
 
@@ -514,7 +454,7 @@ TEST_F(PhysicianAddUpdate, ACountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     const Error error =
         ExpectRefused({}, Coded(20096), [&](const std::string&) { return LookRefused(message); });
     EXPECT_EQ(error.description(), message);
@@ -614,10 +554,6 @@ class PhysicianDelete : public PhysicianTable {
     Execute("INSERT INTO provider (pin, sector, active) VALUES ('" + pin + "', " + sector + ", '" +
             active + "')");
   }
-  [[nodiscard]] std::string ProviderQuery(const std::string& column, const std::string& pin) {
-    return "SELECT " + column +
-           " FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" + pin + "'";
-  }
   void ExpectRefused(const std::string& pin, std::int32_t code, const std::string& message,
                      const Lines& lines, const Lines& statements) {
     const Rows before = Physicians();
@@ -686,7 +622,7 @@ TEST_F(PhysicianDelete, AnUnknownProvidersPhysiciansAreRemovedAllTheSame) {
     ForgetTrace();
     lotrix().physicianDeleteByPin(pin);
     EXPECT_EQ(Physicians(), Rows{});
-    EXPECT_EQ(Statements(), (Lines{ProviderQuery("count(*)", pin), DeleteStatement(pin)}));
+    EXPECT_EQ(Statements(), (Lines{ProviderCount(pin), DeleteStatement(pin)}));
     EXPECT_EQ(Trace(), Joined({{"information Begin: physicianDeleteByPin()"},
                                ConnectionRead(),
                                {BeginOf("ValidateProviderPIN"), EndOf("ValidateProviderPIN")},
@@ -700,8 +636,8 @@ TEST_F(PhysicianDelete, ThePinIsComparedAsItIsGiven) {
   AddProvider("ABC", "15", "Y");
   Add("ABC", "SMITH", "ANN");
   lotrix().physicianDeleteByPin("abc");
-  EXPECT_EQ(Statements(), (Lines{ProviderQuery("count(*)", "ABC"), ProviderQuery("active", "ABC"),
-                                 DeleteStatement("abc")}));
+  EXPECT_EQ(Statements(),
+            (Lines{ProviderCount("ABC"), ProviderActive("ABC"), DeleteStatement("abc")}));
   EXPECT_EQ(Query("SELECT pin FROM physicn"), (Rows{{"ABC"}}));
   Add("abc", "SMITH", "ANN");
   lotrix().physicianDeleteByPin("abc");
@@ -734,8 +670,7 @@ TEST_F(PhysicianDelete, APinThatIsNotAlphanumericIsRefused) {
 TEST_F(PhysicianDelete, APinThatTwoProvidersHaveIsRefused) {
   AddProvider("P1", "29", "Y");
   Add("P1", "SMITH", "ANN");
-  ExpectRefused("P1", 20003, "Provider PIN entered has a duplicate", {},
-                {ProviderQuery("count(*)", "P1")});
+  ExpectRefused("P1", 20003, "Provider PIN entered has a duplicate", {}, {ProviderCount("P1")});
 }
 
 TEST_F(PhysicianDelete, APinCountThatIsNoneIsRefused) {
@@ -743,9 +678,9 @@ TEST_F(PhysicianDelete, APinCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     ExpectRefused("P1", 20005, "Error while verifying provider PIN in LOTRIX", {},
-                  {ProviderQuery("count(*)", "P1")});
+                  {ProviderCount("P1")});
   }
 }
 
@@ -758,7 +693,7 @@ TEST_F(PhysicianDelete, AnInactiveProviderIsRefused) {
   ExpectRefused(
       "OFF", 20083, message,
       {BeginOf("ValidateProviderActiveStatus"), ProblemOf("ValidateProviderActiveStatus", message)},
-      {ProviderQuery("count(*)", "OFF"), ProviderQuery("active", "OFF")});
+      {ProviderCount("OFF"), ProviderActive("OFF")});
 }
 
 TEST_F(PhysicianDelete, AnErrorOfTheEngineIsAProblemOfTheOperation) {
@@ -766,14 +701,11 @@ TEST_F(PhysicianDelete, AnErrorOfTheEngineIsAProblemOfTheOperation) {
   const Error error = Refusal([&] { lotrix().physicianDeleteByPin("P1"); });
   EXPECT_EQ(error.number(), Numbered(EngineError::kNoSuchTable));
   EXPECT_EQ(error.source(), "LOTRIX DLL");
-  EXPECT_EQ(Trace(),
-            Joined({{"information Begin: physicianDeleteByPin()"},
-                    ConnectionRead(),
-                    {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-                     EndOf("ValidateProviderActiveStatus"), EndOf("ValidateProviderPIN")},
-                    Logged(DeleteStatement("P1")),
-                    ConnectionRead(),
-                    {"error Problem: In physicianDeleteByPin() " + error.description()}}));
+  EXPECT_EQ(Trace(), Joined({{"information Begin: physicianDeleteByPin()"},
+                             ActiveProviderPassed(),
+                             Logged(DeleteStatement("P1")),
+                             ConnectionRead(),
+                             {"error Problem: In physicianDeleteByPin() " + error.description()}}));
 }
 
 }  // namespace

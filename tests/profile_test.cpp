@@ -1,38 +1,22 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, a profile that is accepted for a provider
 // that is there.
@@ -100,30 +84,14 @@ Profile WithEveryOptional(Profile profile) {
 
 const std::string kOperation = "providerProfileUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
 
 Lines PinPassed(const std::string& pin) {
-  if (pin != "P1") return Joined({ConnectionRead(), Passed("ValidateProviderPIN")});
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
+  if (pin != "P1") return Asked("ValidateProviderPIN");
+  return ActiveProviderPassed();
 }
-Lines AddressPassed() { return Joined({ConnectionRead(), Passed("ValidateShippingAddress")}); }
+Lines AddressPassed() { return Asked("ValidateShippingAddress"); }
 Lines NumbersLookedAt(int count) {
   Lines lines;
   for (int number = 0; number < count; ++number) {
@@ -133,45 +101,23 @@ Lines NumbersLookedAt(int count) {
 }
 Lines NumbersPassed() { return NumbersLookedAt(4); }
 Lines CountyFound() { return ConnectionRead(); }
-Lines KeyTaken() { return Joined({ConnectionRead(), ConnectionRead()}); }
-Lines SectorPassed() { return Joined({ConnectionRead(), Passed("ValidateSector")}); }
+Lines SectorPassed() { return Asked("ValidateSector"); }
 Lines NewPinPassed() { return Passed("ValidateNewProviderPIN"); }
 Lines DatePassed() { return Passed("ValidateVFCCertDate"); }
 Lines ActivePassed() { return Passed("ValidateActiveValue"); }
-Lines SubdivisionPassed() { return Joined({ConnectionRead(), Passed("ValidateSubdivision")}); }
-Lines EnrollmentAdded() { return Joined({ConnectionRead(), Passed("ValidateEnrollmentRecord")}); }
+Lines SubdivisionPassed() { return Asked("ValidateSubdivision"); }
+Lines EnrollmentAdded() { return Asked("ValidateEnrollmentRecord"); }
 Lines CommonPassed(const std::string& pin) {
   return Joined({PinPassed(pin), AddressPassed(), NumbersPassed(), CountyFound(), KeyTaken()});
 }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string CountyQuery(const std::string& zip) {
-  return "SELECT DISTINCT cntyname FROM zipcodes WHERE zip = '" + zip + "' ";
-}
-std::string KeyQuery() {
-  return "SELECT inextid FROM Nextid WHERE ltrim(rtrim(upper(ctablename))) = 'PROVIDER' ";
-}
-std::string KeyUpdate(const std::string& key) {
-  return "UPDATE nextid SET inextid  = " + key +
-         " WHERE ltrim(rtrim(upper(ctablename))) = 'PROVIDER' ";
-}
 std::string SectorCount(const std::string& sector) {
   return "SELECT count(*) FROM sectoref WHERE sector = " + sector + " AND sector BETWEEN 10 AND 29";
 }
 std::string SubdivisionCount(const std::string& subdivision) {
   return "SELECT count(*) FROM subdiv WHERE ltrim(rtrim(subdiv)) = '" + subdivision + "'";
-}
-std::string EnrollmentCount(const std::string& pin) {
-  return "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" + pin + "'";
 }
 std::string EnrollmentInsert(const std::string& pin, const std::string& today) {
   return "INSERT INTO enroll (pin, chgdate, userid,allkids1, medicaid1, uninsured1, amindian1, "
@@ -187,7 +133,8 @@ Lines PinQueries(const std::string& pin) {
   return {ProviderCount(pin), ProviderActive(pin)};
 }
 Lines CommonQueries(const std::string& pin) {
-  return Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery(), KeyUpdate("42")}});
+  return Joined(
+      {PinQueries(pin), {CountyQuery("62701"), KeyQuery("PROVIDER"), KeyUpdate("PROVIDER", "42")}});
 }
 
 // The statements of the profiles above, with those pieces for the optionals.
@@ -225,37 +172,17 @@ void Call(cLotrix& lotrix, const Profile& given) {
       given.active, given.subdivision, given.category1, given.category2, given.category3);
 }
 
-class ProfileOperation : public DatabaseTest {
+class ProfileOperation : public OperationTest {
  protected:
   void SetUp() override {
-    AddProvider("P1", "15", "Y");
+    AddFilledProvider("P1", "15", "Y");
     Execute("INSERT INTO sectoref (sector) VALUES (10), (15), (29), (30)");
     Execute("INSERT INTO subdiv (subdiv) VALUES ('NORTH')");
     Execute(
         "INSERT INTO zipcodes (zip, cntyname) VALUES ('62701', 'SANGAMON'), ('62701', 'SANGAMON'), "
         "('60601', 'COOK'), ('11111', 'ONE'), ('11111', 'TWO'), ('00000', NULL)");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('Provider', 41), ('distrib', 7)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
-
-  // A provider whose every column is filled.
-  void AddProvider(const std::string& pin, const std::string& sector, const std::string& active) {
-    Execute(
-        "INSERT INTO provider (pin, contact, lastname, address, addres2, city, state, zipcode, "
-        "ml_contact, ml_address, ml_addres2, ml_city, ml_state, ml_zipcode, note, phone, fax, "
-        "codes, phone2, fax2, createdate, county, provid, sector, datevfc, extension, firstname, "
-        "initial, title, linkpin, alphaid, active, subdiv, cat1, cat2, cat3, cat4, chgdate, "
-        "userid) VALUES ('" +
-        pin +
-        "', 'OC', 'OL', 'OA1', 'OA2', 'OCI', 'OS', 'OZ', 'OMC', 'OMA1', 'OMA2', 'OMCI', 'OMS', "
-        "'OMZ', 'ON', 'OP', 'OF', 'OV', 'OP2', 'OF2', '1999-01-02', 'OCO', 5, " +
-        sector + ", '1999-03-04', 'OE', 'OFN', 'OI', 'OT', 'OLP', 'OAI', '" + active +
-        "', 'OSD', 'OC1', 'OC2', 'OC3', 'OC4', '1999-05-06', 'OU')");
+    WatchOperations();
   }
 
   void Run(const Profile& profile) { Call(lotrix(), profile); }
@@ -283,10 +210,8 @@ class ProfileOperation : public DatabaseTest {
   [[nodiscard]] Rows Keys() {
     return Query("SELECT ctablename, inextid FROM nextid ORDER BY inextid");
   }
-  [[nodiscard]] std::vector<Rows> Tables() {
-    return {Query("SELECT * FROM provider"), Query("SELECT * FROM enroll"),
-            Query("SELECT * FROM subdiv"), Query("SELECT * FROM sectoref"),
-            Query("SELECT * FROM zipcodes")};
+  [[nodiscard]] Rows Tables() {
+    return Contents({"provider", "enroll", "subdiv", "sectoref", "zipcodes"});
   }
 
   // Refused with that number and the whole trace as `lines` tells it; nothing
@@ -296,15 +221,8 @@ class ProfileOperation : public DatabaseTest {
                       bool keyTaken = false) {
     const auto before = Tables();
     const Rows keys = Keys();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(profile); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(profile); }, number, lines);
     EXPECT_EQ(Tables(), before);
     EXPECT_EQ(Keys() != keys, keyTaken);
     if (keyTaken) {
@@ -321,9 +239,6 @@ class ProfileOperation : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 const char* const kBothPins[] = {"N1", "P1"};
@@ -628,7 +543,7 @@ TEST_F(ProfileOperation, AnUnknownZipCodeInsertsAnEmptyCounty) {
 }
 
 TEST_F(ProfileOperation, AProviderWithAPinOfADepotIsNew) {
-  AddProvider("N1", "31", "Y");
+  AddFilledProvider("N1", "31", "Y");
   Run(NewProfile());
   EXPECT_EQ(Query("SELECT lastname, sector FROM provider WHERE pin = 'N1' ORDER BY sector"),
             (Rows{{"CLINIC", "15"}, {"OL", "31"}}));
@@ -862,8 +777,8 @@ TEST_F(ProfileOperation, ACountyWithAnApostropheBreaksTheStatement) {
 }
 
 TEST_F(ProfileOperation, EveryRowOfThePinIsUpdated) {
-  AddProvider(" P1 ", "31", "N");
-  AddProvider("P2", "15", "Y");
+  AddFilledProvider(" P1 ", "31", "N");
+  AddFilledProvider("P2", "15", "Y");
   Run({});
   EXPECT_EQ(
       Query("SELECT pin, lastname, sector, active FROM provider ORDER BY sector, pin"),
@@ -1075,32 +990,16 @@ TEST_F(ProfileOperation, AProviderCanBeDeactivatedButNeverReactivated) {
   Execute("UPDATE nextid SET inextid = 41 WHERE ctablename = 'Provider'");
   for (const Variant& active : {Variant("Y"), Variant("N"), Variant()}) {
     profile.active = active;
-    ExpectRefused(profile, 20083, message,
-                  Joined({ConnectionRead(),
-                          {BeginOf("ValidateProviderPIN")},
-                          Refused("ValidateProviderActiveStatus", message),
-                          {ProblemOf("ValidateProviderPIN", message)}}),
-                  PinQueries("P1"));
+    ExpectRefused(profile, 20083, message, InactiveProviderRefused(message), PinQueries("P1"));
   }
 }
 
 // The day may change while a call runs.
 TEST_F(ProfileOperation, TodayIsTakenAtTheStartAndAfreshForTheEnrollment) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, NewProfile());
+  RunAcrossMidnight([](cLotrix& own) { Call(own, NewProfile()); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider WHERE pin = 'N1'"), (Rows{{"2026-11-20"}}));
   EXPECT_EQ(Query("SELECT chgdate FROM enroll"), (Rows{{"2026-11-21"}}));
-  midnight = false;
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider WHERE pin = 'P1'"), (Rows{{"2026-11-20"}}));
 }
 
@@ -1177,8 +1076,7 @@ TEST_F(ProfileOperation, ThenTheLengthOfThePin) {
        {"TOO-LONG"s, "1234567"s, "ÉÉÉÉÉÉÉ"s, "😀😀😀1"s, "      7"s, std::string(kMebibyte, 'P')}) {
     Profile wrong = WrongFrom(kPinLength, "N1");
     wrong.pin = pin;
-    ExpectRefused(wrong, 20078, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20078, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -1190,8 +1088,7 @@ TEST_F(ProfileOperation, ThenTheCharactersOfThePin) {
        {"P-1"s, "P1'"s, ""s, "   "s, " P1"s, "ÉÉÉÉÉÉ"s, "😀😀😀"s, "P1\0"s, "P 1"s}) {
     Profile wrong = WrongFrom(kPinCharacters, "N1");
     wrong.pin = pin;
-    ExpectRefused(wrong, 20079, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20079, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -1204,24 +1101,19 @@ TEST_F(ProfileOperation, APinOfSixCharactersIsAccepted) {
 }
 
 TEST_F(ProfileOperation, APinThatTwoProvidersHaveIsRefused) {
-  AddProvider("TWIN", "10", "Y");
-  AddProvider("TWIN", "29", "Y");
+  AddFilledProvider("TWIN", "10", "Y");
+  AddFilledProvider("TWIN", "29", "Y");
   const std::string message = "Provider PIN entered has a duplicate";
   ExpectRefused(WrongFrom(kFacility, "TWIN"), 20003, message,
-                Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
-                {ProviderCount("TWIN")});
+                RefusedBy("ValidateProviderPIN", message), {ProviderCount("TWIN")});
 }
 
 TEST_F(ProfileOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
-  AddProvider("OFF", "15", "N");
+  AddFilledProvider("OFF", "15", "N");
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
-  ExpectRefused(WrongFrom(kFacility, "OFF"), 20083, message,
-                Joined({ConnectionRead(),
-                        {BeginOf("ValidateProviderPIN")},
-                        Refused("ValidateProviderActiveStatus", message),
-                        {ProblemOf("ValidateProviderPIN", message)}}),
+  ExpectRefused(WrongFrom(kFacility, "OFF"), 20083, message, InactiveProviderRefused(message),
                 {ProviderCount("OFF"), ProviderActive("OFF")});
 }
 
@@ -1231,10 +1123,9 @@ TEST_F(ProfileOperation, APinCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
     SCOPED_TRACE(rows.size());
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
+    AnswerEveryQuery(rows);
     ExpectRefused(WrongFrom(kFacility, "N1"), 20005, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
-                  {ProviderCount("N1")});
+                  RefusedBy("ValidateProviderPIN", message), {ProviderCount("N1")});
   }
 }
 
@@ -1381,7 +1272,7 @@ TEST_F(ProfileOperation, ThenTheKeyTableWithoutItsRow) {
     ExpectRefused(
         WrongFrom(kKey, pin), 20096, "Provider does not exist in the NextID table.",
         Joined({PinPassed(pin), AddressPassed(), NumbersPassed(), CountyFound(), ConnectionRead()}),
-        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery()}}));
+        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery("PROVIDER")}}));
   }
 }
 
@@ -1392,7 +1283,7 @@ TEST_F(ProfileOperation, ThenTheKeyTableWithTwoRows) {
         WrongFrom(kKey, pin), 20096,
         "More than one instance of Provider exists in the NextID table.",
         Joined({PinPassed(pin), AddressPassed(), NumbersPassed(), CountyFound(), ConnectionRead()}),
-        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery()}}));
+        Joined({PinQueries(pin), {CountyQuery("62701"), KeyQuery("PROVIDER")}}));
   }
 }
 
@@ -1479,10 +1370,7 @@ TEST_F(ProfileOperation, ASectorCountThatIsNoneIsRefused) {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const char* const pin : kBothPins) {
     for (const std::vector<Value>& rows : answers) {
-      answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-        if (text != SectorCount("15")) return std::nullopt;
-        return rows;
-      };
+      AnswerTo(SectorCount("15"), rows);
       Profile wrong = WrongFrom(kSector, pin);
       wrong.classification = "15";
       ExpectRefused(
@@ -1530,8 +1418,8 @@ TEST_F(ProfileOperation, PinsNextToTheReservedOnesAreAccepted) {
 }
 
 TEST_F(ProfileOperation, AReservedPinThatIsThereIsUpdated) {
-  AddProvider("999999", "15", "Y");
-  AddProvider("0", "15", "Y");
+  AddFilledProvider("999999", "15", "Y");
+  AddFilledProvider("0", "15", "Y");
   for (const char* const pin : {"999999", "0"}) {
     SCOPED_TRACE(pin);
     Profile profile;
@@ -1587,10 +1475,7 @@ TEST_F(ProfileOperation, ASubdivisionCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string& text) -> std::optional<std::vector<Value>> {
-      if (text != SubdivisionCount("NORTH")) return std::nullopt;
-      return rows;
-    };
+    AnswerTo(SubdivisionCount("NORTH"), rows);
     Profile wrong = WrongFrom(kSubdivision, "P1");
     wrong.subdivision = "NORTH";
     ExpectRefused(wrong, 20065, message,

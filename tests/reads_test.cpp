@@ -4,80 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines ProviderPassed() {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
-}
-Lines VaccinePassed() {
-  return Joined({ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable")},
-                 Passed("ValidateVaccineActiveStatus"),
-                 {EndOf("ValidateAgainstpVaccRefTable")}});
-}
-Lines RefusedBy(const std::string& routine, const std::string& description) {
-  return Joined({ConnectionRead(), {BeginOf(routine), ProblemOf(routine, description)}});
-}
-// The reference check of the vaccine has no Begin line: its End line stands on
-// entry.
-Lines VaccineRefused(const std::string& description) {
-  return Joined({ConnectionRead(),
-                 {EndOf("ValidateAgainstpVaccRefTable"),
-                  ProblemOf("ValidateAgainstpVaccRefTable", description)}});
-}
-
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string DepotCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 "
-         "AND 31 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string VaccineCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine + "'";
-}
-std::string VaccineActiveCount(const std::string& vaccine) {
-  return "SELECT count(*) FROM pvaccref WHERE ltrim(rtrim(vaccine)) == '" + vaccine +
-         "' AND locactiv = .F.";
-}
 
 const std::string kSelectStock =
     "SELECT Pin, Datein, Doses, Lot, Vaccine, Maker, Expiry FROM Stock";
@@ -99,7 +34,7 @@ const std::string kRange =
 const std::string kBeginNoDate = "The Shipment Begin Date that was entered is not a valid date";
 const std::string kEndNoDate = "The Shipment End Date that was entered is not a valid date";
 
-class Reads : public DatabaseTest {
+class Reads : public OperationTest {
  protected:
   void SetUp() override {
     AddProvider("P1", 10, "'Y'");
@@ -107,12 +42,7 @@ class Reads : public DatabaseTest {
     AddProvider("D01", 30, "'Y'");
     AddVaccine("HEPA", false);
     AddVaccine("MMR", false);
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
+    WatchOperations();
   }
 
   void AddProvider(const std::string& pin, int sector, const std::string& active) {
@@ -162,8 +92,6 @@ class Reads : public DatabaseTest {
     for (const Row& row : Cells(table)) lots.push_back(row[3]);
     return lots;
   }
-
-  Answer answer_;
 };
 
 // --- stockTableRead: the query ----------------------------------------------
@@ -231,8 +159,8 @@ TEST_F(StockRead, EveryFilterTogether) {
                    "{1/1/2004}  AND {1/31/2004}  AND  tracking != ' '  and lot != ' '  order by "
                    "datein desc "}));
   EXPECT_EQ(Trace(), Joined({{BeginOf("stockTableRead")},
-                             ProviderPassed(),
-                             VaccinePassed(),
+                             ActiveProviderPassed(),
+                             ActiveVaccinePassed(),
                              ConnectionRead(),
                              {EndOf("stockTableRead")}}));
 }
@@ -446,21 +374,14 @@ TEST_F(StockRead, APinOfTwoProviders) {
 
 TEST_F(StockRead, AnInactiveProvider) {
   AddProvider("P3", 11, "'N'");
-  ExpectStockRefused(
-      {"p3", "NONE", "", "x", "y"}, 20083, kInactiveProvider,
-      Joined({ConnectionRead(),
-              {BeginOf("ValidateProviderPIN"), BeginOf("ValidateProviderActiveStatus"),
-               ProblemOf("ValidateProviderActiveStatus", kInactiveProvider),
-               ProblemOf("ValidateProviderPIN", kInactiveProvider)}}),
-      {ProviderCount("P3"), ProviderActive("P3")});
+  ExpectStockRefused({"p3", "NONE", "", "x", "y"}, 20083, kInactiveProvider,
+                     InactiveProviderRefused(kInactiveProvider),
+                     {ProviderCount("P3"), ProviderActive("P3")});
 }
 
 TEST_F(StockRead, AProviderCountThatIsNone) {
   const std::string message = "Error while verifying provider PIN in LOTRIX";
-  answer_ = [](const std::string& text) -> std::optional<std::vector<Value>> {
-    if (text != ProviderCount("P1")) return std::nullopt;
-    return std::vector<Value>{std::int64_t{-1}};
-  };
+  AnswerTo(ProviderCount("P1"), {std::int64_t{-1}});
   ExpectStockRefused({"P1", "NONE", "", "x", "y"}, 20005, message,
                      RefusedBy("ValidateProviderPIN", message), {ProviderCount("P1")});
 }
@@ -469,7 +390,7 @@ TEST_F(StockRead, ThenTheVaccine) {
   for (const char* const vaccine : {"NONE", " HEPA", "hepa"}) {
     SCOPED_TRACE(vaccine);
     ExpectStockRefused({"P1", vaccine, "", "x", "y"}, 20051, kNotAvailable,
-                       Joined({ProviderPassed(), VaccineRefused(kNotAvailable)}),
+                       Joined({ActiveProviderPassed(), VaccineReferenceRefused(kNotAvailable)}),
                        {ProviderCount("P1"), ProviderActive("P1"), VaccineCount(vaccine)});
   }
 }
@@ -477,20 +398,14 @@ TEST_F(StockRead, ThenTheVaccine) {
 TEST_F(StockRead, AnInactiveVaccine) {
   AddVaccine("OLD", true);
   ExpectStockRefused({"", "OLD", "", "x", "y"}, 20086, kInactiveVaccine,
-                     Joined({ConnectionRead(),
-                             {EndOf("ValidateAgainstpVaccRefTable")},
-                             Passed("ValidateVaccineActiveStatus"),
-                             {ProblemOf("ValidateAgainstpVaccRefTable", kInactiveVaccine)}}),
+                     InactiveVaccineRefused(kInactiveVaccine),
                      {VaccineCount("OLD"), VaccineActiveCount("OLD")});
 }
 
 TEST_F(StockRead, AVaccineCountBelowNone) {
   const std::string message = "Error while verifying vaccine reference table in LOTRIX";
-  answer_ = [](const std::string& text) -> std::optional<std::vector<Value>> {
-    if (text != VaccineCount("HEPA")) return std::nullopt;
-    return std::vector<Value>{std::int64_t{-1}};
-  };
-  ExpectStockRefused({"", "HEPA", "", "x", "y"}, 20016, message, VaccineRefused(message),
+  AnswerTo(VaccineCount("HEPA"), {std::int64_t{-1}});
+  ExpectStockRefused({"", "HEPA", "", "x", "y"}, 20016, message, VaccineReferenceRefused(message),
                      {VaccineCount("HEPA")});
 }
 
@@ -498,7 +413,7 @@ TEST_F(StockRead, ThenTheBeginDate) {
   for (const char* const date : {"x", "2/30/2004", "13/5/2004", "1/5/2004}", "1/5'/2004", "5"}) {
     SCOPED_TRACE(date);
     ExpectStockRefused({"P1", "HEPA", "", date, "y"}, 20062, kBeginNoDate,
-                       Joined({ProviderPassed(), VaccinePassed()}),
+                       Joined({ActiveProviderPassed(), ActiveVaccinePassed()}),
                        {ProviderCount("P1"), ProviderActive("P1"), VaccineCount("HEPA"),
                         VaccineActiveCount("HEPA")});
   }
@@ -529,7 +444,7 @@ TEST_F(StockRead, AnApostropheInTheVaccineIsRefusedAsSyntax) {
   for (const char* const vaccine : {"HEP'A", "HEPA' OR '1'='1", "'; DROP TABLE stock; --"}) {
     SCOPED_TRACE(vaccine);
     ExpectStockFailed({.vaccine = vaccine}, Numbered(EngineError::kStatementRefused),
-                      VaccineRefused);
+                      VaccineReferenceRefused);
   }
 }
 
@@ -548,7 +463,7 @@ TEST_F(StockRead, AZeroCharacterIsRefusedAsSyntax) {
   ExpectStockRefused({.pin = "P1\0"s}, 20079, kNotAlphanumeric,
                      RefusedBy("ValidateProviderPIN", kNotAlphanumeric), {});
   ExpectStockFailed({.vaccine = "HEPA\0"s}, Numbered(EngineError::kStatementRefused),
-                    VaccineRefused);
+                    VaccineReferenceRefused);
   const auto atTheQuery = [](const std::string&) { return ConnectionRead(); };
   ExpectStockFailed({.lot = "A1\0"s}, Numbered(EngineError::kStatementRefused), atTheQuery);
   // The date test reads up to the zero character.
@@ -642,7 +557,7 @@ TEST_F(OrderRead, PinAndDateAloneReadOneDayOfOneProvider) {
             (Lines{ProviderCount("P1"), ProviderActive("P1"),
                    kSelectStock + " WHERE ltrim(rtrim(Pin)) = 'P1' AND  Datein = {1/5/2004}  AND " +
                        kTrackedNewestFirst}));
-  EXPECT_EQ(Trace(), Around(Joined({ProviderPassed(), ConnectionRead()})));
+  EXPECT_EQ(Trace(), Around(Joined({ActiveProviderPassed(), ConnectionRead()})));
 }
 
 TEST_F(OrderRead, EveryArgumentCountsInUpperCase) {
@@ -661,7 +576,8 @@ TEST_F(OrderRead, EveryArgumentCountsInUpperCase) {
                    "ltrim(rtrim(strtran(lot,ltrim(rtrim('-')),''))) = 'AB12'  AND  Datein BETWEEN "
                    "{JAN 1 2004}  AND {JAN 31 2004}  AND  tracking != ' '  and lot != ' '  order "
                    "by datein desc "}));
-  EXPECT_EQ(Trace(), Around(Joined({ProviderPassed(), VaccinePassed(), ConnectionRead()})));
+  EXPECT_EQ(Trace(),
+            Around(Joined({ActiveProviderPassed(), ActiveVaccinePassed(), ConnectionRead()})));
 }
 
 TEST_F(OrderRead, LettersBeyondAsciiAreUpperCased) {
@@ -678,26 +594,28 @@ TEST_F(OrderRead, AFailureInsideIsAProblemOfBoth) {
   ExpectRefused(
       [&] { lotrix().manufacturerProviderOrderRead("P1", "x", "none", "", "y"); }, Coded(20051),
       kNotAvailable,
-      AroundProblem(Joined({ProviderPassed(), VaccineRefused(kNotAvailable)}), kNotAvailable),
+      AroundProblem(Joined({ActiveProviderPassed(), VaccineReferenceRefused(kNotAvailable)}),
+                    kNotAvailable),
       {ProviderCount("P1"), ProviderActive("P1"), VaccineCount("NONE")});
   ExpectRefused([&] { lotrix().manufacturerProviderOrderRead("P1", "x", "", "", "y"); },
-                Coded(20062), kBeginNoDate, AroundProblem(ProviderPassed(), kBeginNoDate),
+                Coded(20062), kBeginNoDate, AroundProblem(ActiveProviderPassed(), kBeginNoDate),
                 {ProviderCount("P1"), ProviderActive("P1")});
   ExpectRefused([&] { lotrix().manufacturerProviderOrderRead("P1", "1/5/2004", "", "", "y"); },
-                Coded(20063), kEndNoDate, AroundProblem(ProviderPassed(), kEndNoDate),
+                Coded(20063), kEndNoDate, AroundProblem(ActiveProviderPassed(), kEndNoDate),
                 {ProviderCount("P1"), ProviderActive("P1")});
   ExpectRefused(
       [&] { lotrix().manufacturerProviderOrderRead("P1", "1/5/2004", "", "", "1/4/2004"); },
-      Coded(20069), kRange, AroundProblem(ProviderPassed(), kRange),
+      Coded(20069), kRange, AroundProblem(ActiveProviderPassed(), kRange),
       {ProviderCount("P1"), ProviderActive("P1")});
 }
 
 TEST_F(OrderRead, AnApostropheInTheLotIsRefusedAsSyntax) {
-  ExpectFailed([&] { lotrix().manufacturerProviderOrderRead("P1", "1/5/2004", "", "A'1"); },
-               Numbered(EngineError::kStatementRefused),
-               [](const std::string& description) {
-                 return AroundProblem(Joined({ProviderPassed(), ConnectionRead()}), description);
-               });
+  ExpectFailed(
+      [&] { lotrix().manufacturerProviderOrderRead("P1", "1/5/2004", "", "A'1"); },
+      Numbered(EngineError::kStatementRefused),
+      [](const std::string& description) {
+        return AroundProblem(Joined({ActiveProviderPassed(), ConnectionRead()}), description);
+      });
 }
 
 TEST_F(OrderRead, AVeryLongPinOrDateOverflowsBeforeAnythingInside) {
@@ -762,7 +680,7 @@ class OnHandRead : public Reads {
 
   static std::string BeginLine() { return "information Begin: inventoryOnHandRead()"; }
   static std::string EndLine() { return "information End: inventoryOnHandRead()"; }
-  static Lines DepotPassed() { return Joined({ConnectionRead(), Passed("ValidateDepotPIN")}); }
+  static Lines DepotPassed() { return Asked("ValidateDepotPIN"); }
 
   static Lines OnHandLots(const cResultSet& table) {
     Lines lots;
@@ -830,7 +748,7 @@ TEST_F(OnHandRead, WithAVaccine) {
             (Lines{DepotCount("D01"), VaccineCount("HEPA"), VaccineActiveCount("HEPA"), query}));
   EXPECT_EQ(Trace(), Joined({{BeginLine()},
                              DepotPassed(),
-                             VaccinePassed(),
+                             ActiveVaccinePassed(),
                              {"information " + query},
                              ConnectionRead(),
                              {EndLine()}}));
@@ -958,14 +876,10 @@ TEST_F(OnHandRead, ADepotPinHeldTwiceIsRefused) {
 TEST_F(OnHandRead, AnUnknownOrInactiveVaccineIsRefused) {
   AddVaccine("OLD", true);
   ExpectOnHandRefused("D01", "none", 20051, kNotAvailable,
-                      Joined({DepotPassed(), VaccineRefused(kNotAvailable)}),
+                      Joined({DepotPassed(), VaccineReferenceRefused(kNotAvailable)}),
                       {DepotCount("D01"), VaccineCount("NONE")});
   ExpectOnHandRefused("D01", "OLD", 20086, kInactiveVaccine,
-                      Joined({DepotPassed(),
-                              ConnectionRead(),
-                              {EndOf("ValidateAgainstpVaccRefTable")},
-                              Passed("ValidateVaccineActiveStatus"),
-                              {ProblemOf("ValidateAgainstpVaccRefTable", kInactiveVaccine)}}),
+                      Joined({DepotPassed(), InactiveVaccineRefused(kInactiveVaccine)}),
                       {DepotCount("D01"), VaccineCount("OLD"), VaccineActiveCount("OLD")});
 }
 
@@ -988,7 +902,7 @@ TEST_F(OnHandRead, AnApostropheOrAZeroCharacterInTheVaccineIsRefusedAsSyntax) {
     SCOPED_TRACE(vaccine);
     ExpectOnHandFailed("D01", vaccine, Numbered(EngineError::kStatementRefused),
                        [](const std::string& description) {
-                         return Joined({DepotPassed(), VaccineRefused(description)});
+                         return Joined({DepotPassed(), VaccineReferenceRefused(description)});
                        });
   }
 }
@@ -999,7 +913,7 @@ TEST_F(OnHandRead, VeryLongArguments) {
   ExpectOnHandFailed("D01", longText, 6, [](const std::string&) { return DepotPassed(); });
   const std::string longest(32767, '1');
   ExpectOnHandRefused("D01", longest, 20051, kNotAvailable,
-                      Joined({DepotPassed(), VaccineRefused(kNotAvailable)}),
+                      Joined({DepotPassed(), VaccineReferenceRefused(kNotAvailable)}),
                       {DepotCount("D01"), VaccineCount(longest)});
   ExpectOnHandFailed("D01", longest + "1", 6, [](const std::string&) { return DepotPassed(); });
 }

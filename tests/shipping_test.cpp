@@ -1,36 +1,21 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tests/support/fixture.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/extremes.h"
+#include "tests/support/operation_fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Rows = std::vector<Row>;
 using std::string_literals::operator""s;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-Lines Joined(std::initializer_list<Lines> parts) {
-  Lines all;
-  for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-std::string Repeated(const std::string& text, int times) {
-  std::string all;
-  for (int count = 0; count < times; ++count) all += text;
-  return all;
-}
 
 // A call's arguments; as they stand, shipping data that are accepted.
 struct Shipping {
@@ -55,27 +40,8 @@ struct Shipping {
 
 const std::string kOperation = "providerShippingDataUpdate";
 
-std::string BeginOf(const std::string& name) { return "information Begin: " + name + "()"; }
-std::string EndOf(const std::string& name) { return "information End: " + name + "()"; }
-std::string ProblemOf(const std::string& name, const std::string& description) {
-  return "error Problem: In " + name + "() " + description;
-}
 Lines Begun() { return {BeginOf(kOperation)}; }
 Lines Ended() { return {EndOf(kOperation)}; }
-Lines Logged(const std::string& statement) { return {"information " + statement}; }
-Lines ConnectionRead() {
-  return {"information Begin: Get Connection()", "information End: GetConnection()"};
-}
-Lines Passed(const std::string& routine) { return {BeginOf(routine), EndOf(routine)}; }
-Lines Refused(const std::string& routine, const std::string& description) {
-  return {BeginOf(routine), ProblemOf(routine, description)};
-}
-Lines PinPassed() {
-  return Joined({ConnectionRead(),
-                 {BeginOf("ValidateProviderPIN")},
-                 Passed("ValidateProviderActiveStatus"),
-                 {EndOf("ValidateProviderPIN")}});
-}
 Lines BeforeAddress() {
   return Joined({{"information Before calling ValidateShippingAddress"}, ConnectionRead()});
 }
@@ -86,23 +52,12 @@ Lines AddressPassed() {
 }
 Lines NumberLookedAt() { return Passed("ValidatePhoneFaxFormat"); }
 Lines ChecksPassed() {
-  return Joined({PinPassed(), AddressPassed(), NumberLookedAt(), NumberLookedAt()});
+  return Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt(), NumberLookedAt()});
 }
 Lines CountyFound() { return ConnectionRead(); }
 
 // The statements as a call builds them.
 
-std::string ProviderCount(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string ProviderActive(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-std::string CountyQuery(const std::string& zip) {
-  return "SELECT DISTINCT cntyname FROM zipcodes WHERE zip = '" + zip + "' ";
-}
 Lines PinQueries() { return {ProviderCount("P1"), ProviderActive("P1")}; }
 std::string UpdateStatement(const std::string& optionals,
                             const std::string& county = "county = 'SANGAMON', ",
@@ -121,64 +76,31 @@ void Call(cLotrix& lotrix, const Shipping& given) {
                                     given.firstName, given.initial, given.title);
 }
 
-class ShippingOperation : public DatabaseTest {
+class ShippingOperation : public OperationTest {
  protected:
   void SetUp() override {
-    AddProvider("P1", "15", "Y");
+    AddFilledProvider("P1", "15", "Y");
     Execute(
         "INSERT INTO zipcodes (zip, cntyname) VALUES ('62701', 'SANGAMON'), ('62701', 'SANGAMON'), "
         "('60601', 'COOK'), ('11111', 'ONE'), ('11111', 'TWO'), ('00000', NULL)");
     Execute("INSERT INTO nextid (ctablename, inextid) VALUES ('Provider', 41)");
-    Watch(*lotrix().Connection(),
-          [this](const std::string& text) -> std::optional<std::vector<Value>> {
-            if (!answer_) return std::nullopt;
-            return answer_(text);
-          });
-    ForgetTrace();
-  }
-
-  // A provider whose every column is filled.
-  void AddProvider(const std::string& pin, const std::string& sector, const std::string& active) {
-    Execute(
-        "INSERT INTO provider (pin, contact, lastname, address, addres2, city, state, zipcode, "
-        "ml_contact, ml_address, ml_addres2, ml_city, ml_state, ml_zipcode, note, phone, fax, "
-        "codes, phone2, fax2, createdate, county, provid, sector, datevfc, extension, firstname, "
-        "initial, title, linkpin, alphaid, active, subdiv, cat1, cat2, cat3, cat4, chgdate, "
-        "userid) VALUES ('" +
-        pin +
-        "', 'OC', 'OL', 'OA1', 'OA2', 'OCI', 'OS', 'OZ', 'OMC', 'OMA1', 'OMA2', 'OMCI', 'OMS', "
-        "'OMZ', 'ON', 'OP', 'OF', 'OV', 'OP2', 'OF2', '1999-01-02', 'OCO', 5, " +
-        sector + ", '1999-03-04', 'OE', 'OFN', 'OI', 'OT', 'OLP', 'OAI', '" + active +
-        "', 'OSD', 'OC1', 'OC2', 'OC3', 'OC4', '1999-05-06', 'OU')");
+    WatchOperations();
   }
 
   void Run(const Shipping& shipping) { Call(lotrix(), shipping); }
   std::string StatementOf(const Shipping& shipping) {
-    static_cast<void>(Statements());
-    Run(shipping);
-    const Lines statements = Statements();
-    return statements.empty() ? "" : statements.back();
+    return LastStatementOf([&] { Run(shipping); });
   }
 
-  [[nodiscard]] std::vector<Rows> Tables() {
-    return {Query("SELECT * FROM provider"), Query("SELECT * FROM enroll"),
-            Query("SELECT * FROM zipcodes"), Query("SELECT * FROM nextid")};
-  }
+  [[nodiscard]] Rows Tables() { return Contents({"provider", "enroll", "zipcodes", "nextid"}); }
 
   // Refused with that number, the whole trace as `lines` tells it, and nothing
   // written.
   Error ExpectRefused(const Shipping& shipping, std::int32_t number,
                       const std::function<Lines(const std::string& description)>& lines) {
     const auto before = Tables();
-    ForgetTrace();
-    static_cast<void>(Statements());
-    Error error = Refusal([&] { Run(shipping); });
-    EXPECT_EQ(error.number(), number);
-    EXPECT_EQ(error.source(), "LOTRIX DLL");
-    EXPECT_FALSE(error.description().empty());
-    EXPECT_EQ(Trace(), Joined({Begun(),
-                               lines(error.description()),
-                               {ProblemOf(kOperation, error.description())}}));
+    Error error = ExpectRefusal(
+        kOperation, [&] { Run(shipping); }, number, lines);
     EXPECT_EQ(Tables(), before);
     return error;
   }
@@ -190,9 +112,6 @@ class ShippingOperation : public DatabaseTest {
     EXPECT_EQ(error.description(), message);
     EXPECT_EQ(Statements(), statements);
   }
-
-  // What the engine is made to count wrong by a test.
-  Answer answer_;
 };
 
 // --- Accepted ---------------------------------------------------------------
@@ -272,7 +191,7 @@ TEST_F(ShippingOperation, EachOptionalAlone) {
     const std::string column = optional.column;
     SCOPED_TRACE(column);
     Execute("DELETE FROM provider");
-    AddProvider("P1", "15", "Y");
+    AddFilledProvider("P1", "15", "Y");
     Rows expected = Query("SELECT extension, firstname, initial, title FROM provider");
     Shipping shipping;
     shipping.*optional.argument = " straße é ";
@@ -410,7 +329,7 @@ TEST_F(ShippingOperation, ABlankFaxIsAcceptedUnlooked) {
     shipping.fax = fax;
     ForgetTrace();
     const std::string statement = StatementOf(shipping);
-    EXPECT_EQ(Trace(), Joined({Begun(), PinPassed(), AddressPassed(), NumberLookedAt(),
+    EXPECT_EQ(Trace(), Joined({Begun(), ActiveProviderPassed(), AddressPassed(), NumberLookedAt(),
                                CountyFound(), Logged(statement), ConnectionRead(), Ended()}));
     EXPECT_EQ(Query("SELECT phone, fax FROM provider"), (Rows{{"(217) 555-0100", fax}}));
   }
@@ -424,8 +343,8 @@ TEST_F(ShippingOperation, ABlankSecondAddressFieldIsAccepted) {
 }
 
 TEST_F(ShippingOperation, EveryRowOfThePinIsUpdated) {
-  AddProvider(" P1 ", "31", "N");
-  AddProvider("P2", "15", "Y");
+  AddFilledProvider(" P1 ", "31", "N");
+  AddFilledProvider("P2", "15", "Y");
   Run({});
   EXPECT_EQ(
       Query("SELECT pin, lastname, sector, active FROM provider ORDER BY sector, pin"),
@@ -434,17 +353,7 @@ TEST_F(ShippingOperation, EveryRowOfThePinIsUpdated) {
 
 // The day may change while a call runs.
 TEST_F(ShippingOperation, TodayIsTakenAtTheStart) {
-  bool midnight = false;
-  const Host host{.clock = [&] { return midnight ? Now() + std::chrono::hours(24) : Now(); },
-                  .notify = {},
-                  .logPath = logPath()};
-  cLotrix own(host);
-  own.openConnection(database().ConnectionString());
-  Watch(*own.Connection(), [&](const std::string&) -> std::optional<std::vector<Value>> {
-    midnight = true;
-    return std::nullopt;
-  });
-  Call(own, {});
+  RunAcrossMidnight([](cLotrix& own) { Call(own, {}); });
   EXPECT_EQ(Query("SELECT chgdate FROM provider"), (Rows{{"2026-11-20"}}));
 }
 
@@ -491,8 +400,7 @@ TEST_F(ShippingOperation, FirstTheLengthOfThePin) {
        {"TOO-LONG"s, "1234567"s, "ÉÉÉÉÉÉÉ"s, "😀😀😀1"s, std::string(kMebibyte, 'P')}) {
     Shipping wrong = WrongFrom(kPinLength);
     wrong.pin = pin;
-    ExpectRefused(wrong, 20078, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20078, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
@@ -502,19 +410,17 @@ TEST_F(ShippingOperation, ThenTheCharactersOfThePin) {
   for (const std::string& pin : {"P-1"s, "P1'"s, ""s, "   "s, " P1"s, "ÉÉÉÉÉÉ"s, "😀😀😀"s, "P1\0"s}) {
     Shipping wrong = WrongFrom(kPinCharacters);
     wrong.pin = pin;
-    ExpectRefused(wrong, 20079, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}), {});
+    ExpectRefused(wrong, 20079, message, RefusedBy("ValidateProviderPIN", message), {});
   }
 }
 
 TEST_F(ShippingOperation, APinThatTwoProvidersHaveIsRefused) {
-  AddProvider("TWIN", "10", "Y");
-  AddProvider("TWIN", "29", "Y");
+  AddFilledProvider("TWIN", "10", "Y");
+  AddFilledProvider("TWIN", "29", "Y");
   const std::string message = "Provider PIN entered has a duplicate";
   Shipping wrong = WrongFrom(kFacility);
   wrong.pin = "TWIN";
-  ExpectRefused(wrong, 20003, message,
-                Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
+  ExpectRefused(wrong, 20003, message, RefusedBy("ValidateProviderPIN", message),
                 {ProviderCount("TWIN")});
 }
 
@@ -523,9 +429,8 @@ TEST_F(ShippingOperation, APinCountThatIsNoneIsRefused) {
   const std::vector<std::vector<Value>> answers = {
       {}, {std::int64_t{0}, std::int64_t{0}}, {std::int64_t{-1}}};
   for (const std::vector<Value>& rows : answers) {
-    answer_ = [&](const std::string&) -> std::optional<std::vector<Value>> { return rows; };
-    ExpectRefused(WrongFrom(kFacility), 20005, message,
-                  Joined({ConnectionRead(), Refused("ValidateProviderPIN", message)}),
+    AnswerEveryQuery(rows);
+    ExpectRefused(WrongFrom(kFacility), 20005, message, RefusedBy("ValidateProviderPIN", message),
                   {ProviderCount("P1")});
   }
 }
@@ -535,21 +440,17 @@ TEST_F(ShippingOperation, AnInactiveProviderIsRefusedBeforeAnyField) {
   const std::string message =
       "The provider enter is currently inactivate in LOTRIX. Cannot proceed with the current "
       "operation";
-  ExpectRefused(WrongFrom(kFacility), 20083, message,
-                Joined({ConnectionRead(),
-                        {BeginOf("ValidateProviderPIN")},
-                        Refused("ValidateProviderActiveStatus", message),
-                        {ProblemOf("ValidateProviderPIN", message)}}),
+  ExpectRefused(WrongFrom(kFacility), 20083, message, InactiveProviderRefused(message),
                 PinQueries());
 }
 
 TEST_F(ShippingOperation, ThenThatTheProviderIsThere) {
-  AddProvider("NOBODY", "31", "Y");
+  AddFilledProvider("NOBODY", "31", "Y");
   for (const char* const pin : {"NOBODY", "P2", "0", "999999"}) {
     Shipping wrong = WrongFrom(kPin);
     wrong.pin = pin;
     ExpectRefused(wrong, 20033, "Provider PIN not found for shipping data update",
-                  Joined({ConnectionRead(), Passed("ValidateProviderPIN")}), {ProviderCount(pin)});
+                  Asked("ValidateProviderPIN"), {ProviderCount(pin)});
   }
 }
 
@@ -557,7 +458,8 @@ TEST_F(ShippingOperation, ThenTheName) {
   for (const char* const name : {"", "   "}) {
     Shipping wrong = WrongFrom(kFacility);
     wrong.facility = name;
-    ExpectRefused(wrong, 20001, "Null provider name was entered", PinPassed(), PinQueries());
+    ExpectRefused(wrong, 20001, "Null provider name was entered", ActiveProviderPassed(),
+                  PinQueries());
   }
 }
 
@@ -565,7 +467,8 @@ TEST_F(ShippingOperation, ThenTheContact) {
   for (const char* const contact : {"", "   "}) {
     Shipping wrong = WrongFrom(kContact);
     wrong.contact = contact;
-    ExpectRefused(wrong, 20002, "Null shipping contact was entered", PinPassed(), PinQueries());
+    ExpectRefused(wrong, 20002, "Null shipping contact was entered", ActiveProviderPassed(),
+                  PinQueries());
   }
 }
 
@@ -574,10 +477,10 @@ TEST_F(ShippingOperation, ThenTheFirstAddressField) {
   for (const char* const address : {"", "  ", "!?", " ' "}) {
     Shipping wrong = WrongFrom(kAddress);
     wrong.address1 = address;
-    ExpectRefused(
-        wrong, 20006, message,
-        Joined({PinPassed(), BeforeAddress(), Refused("ValidateShippingAddress", message)}),
-        PinQueries());
+    ExpectRefused(wrong, 20006, message,
+                  Joined({ActiveProviderPassed(), BeforeAddress(),
+                          Refused("ValidateShippingAddress", message)}),
+                  PinQueries());
   }
 }
 
@@ -586,10 +489,10 @@ TEST_F(ShippingOperation, ThenTheCity) {
   for (const char* const city : {"", "  ", "'"}) {
     Shipping wrong = WrongFrom(kCity);
     wrong.city = city;
-    ExpectRefused(
-        wrong, 20007, message,
-        Joined({PinPassed(), BeforeAddress(), Refused("ValidateShippingAddress", message)}),
-        PinQueries());
+    ExpectRefused(wrong, 20007, message,
+                  Joined({ActiveProviderPassed(), BeforeAddress(),
+                          Refused("ValidateShippingAddress", message)}),
+                  PinQueries());
   }
 }
 
@@ -599,10 +502,10 @@ TEST_F(ShippingOperation, ThenTheState) {
     Shipping wrong = WrongFrom(kState);
     wrong.state = state;
     wrong.zip = "";
-    ExpectRefused(
-        wrong, 20008, message,
-        Joined({PinPassed(), BeforeAddress(), Refused("ValidateShippingAddress", message)}),
-        PinQueries());
+    ExpectRefused(wrong, 20008, message,
+                  Joined({ActiveProviderPassed(), BeforeAddress(),
+                          Refused("ValidateShippingAddress", message)}),
+                  PinQueries());
   }
 }
 
@@ -615,12 +518,14 @@ TEST_F(ShippingOperation, ThenThePhoneEvenWhenBlank) {
   for (const std::string& phone : {""s, "  "s, "              "s, std::string(kMebibyte, '1')}) {
     wrong.phone = phone;
     ExpectRefused(wrong, 20057, "Invalid phone number format",
-                  Joined({PinPassed(), AddressPassed(), NumberLookedAt()}), PinQueries());
+                  Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt()}),
+                  PinQueries());
   }
   for (const std::string& phone : kNoNumbers) {
     wrong.phone = phone;
     ExpectRefused(wrong, 20057, "Invalid phone number format",
-                  Joined({PinPassed(), AddressPassed(), NumberLookedAt()}), PinQueries());
+                  Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt()}),
+                  PinQueries());
   }
 }
 
@@ -778,14 +683,14 @@ TEST_F(ShippingOperation, AVeryLongTextOverflowsWhereItIsTestedForBlank) {
   for (const std::string& text : {std::string(kMebibyte, 'x'), Repeated("é", 32768)}) {
     Shipping wrong = WrongFrom(kFacility);
     wrong.facility = text;
-    ExpectRefused(wrong, 6, [](const std::string&) { return PinPassed(); });
+    ExpectRefused(wrong, 6, [](const std::string&) { return ActiveProviderPassed(); });
     wrong = WrongFrom(kContact);
     wrong.contact = text;
-    ExpectRefused(wrong, 6, [](const std::string&) { return PinPassed(); });
+    ExpectRefused(wrong, 6, [](const std::string&) { return ActiveProviderPassed(); });
     wrong = WrongFrom(kFax);
     wrong.fax = text;
     ExpectRefused(wrong, 6, [](const std::string&) {
-      return Joined({PinPassed(), AddressPassed(), NumberLookedAt()});
+      return Joined({ActiveProviderPassed(), AddressPassed(), NumberLookedAt()});
     });
   }
 }

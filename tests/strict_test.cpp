@@ -15,7 +15,6 @@
 namespace lotrix::test {
 namespace {
 
-using Rows = std::vector<Row>;
 using Operation = std::function<void(cLotrix&)>;
 
 constexpr EngineError kRefused = EngineError::kConstraintViolated;

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <future>
-#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "src/utility/keys_and_lookups.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix {
@@ -21,11 +21,10 @@ namespace {
 
 using test::Coded;
 using test::ExpectError;
+using test::kLargest;
 using test::Numbered;
 using test::Refusal;
 using test::Row;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
 
 class LookupTest : public test::DatabaseTest {
  protected:

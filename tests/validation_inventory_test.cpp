@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "src/validation/validation.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix {
@@ -18,14 +18,12 @@ namespace {
 
 using test::Coded;
 using test::ExpectError;
+using test::kLargest;
+using test::kSmallest;
+using test::Lines;
 using test::Numbered;
 using test::Refusal;
 using test::Row;
-
-using Lines = std::vector<std::string>;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
 
 class InventoryRules : public test::DatabaseTest {
  protected:

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "src/validation/validation.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix {
@@ -16,12 +17,10 @@ namespace {
 
 using test::Coded;
 using test::ExpectError;
+using test::kMebibyte;
+using test::Lines;
 using test::Numbered;
 using test::Refusal;
-
-using Lines = std::vector<std::string>;
-
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
 
 // --- ValidateVaccineLot ----------------------------------------------------
 

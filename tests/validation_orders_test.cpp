@@ -15,11 +15,10 @@ namespace {
 
 using test::Coded;
 using test::ExpectError;
+using test::Lines;
 using test::Numbered;
 using test::Refusal;
 using test::Row;
-
-using Lines = std::vector<std::string>;
 
 class OrderRules : public test::DatabaseTest {
  protected:

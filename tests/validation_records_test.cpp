@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -8,12 +7,13 @@
 #include <vector>
 
 #include "src/validation/validation.h"
+#include "tests/support/expected_statements.h"
+#include "tests/support/extremes.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Records = std::vector<Value>;
 
 constexpr char kEnrollmentError[] = "Error while reading enrollment data for current provider";
@@ -22,11 +22,6 @@ constexpr char kEnrollmentTwice[] =
 constexpr char kPhysicianError[] = "Error while reading physicn data for current physician";
 constexpr char kPhysicianTwice[] =
     "There are duplicate physicn data records for the current provider";
-constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
-
-std::string EnrollmentQuery(const std::string& pin) {
-  return "SELECT count(*) FROM enroll WHERE ltrim(rtrim(pin)) = '" + pin + "'";
-}
 
 std::string PhysicianQuery(const std::string& pin, const std::string& lastName,
                            const std::string& firstName) {
@@ -104,7 +99,7 @@ TEST_F(RecordRoutines, WithOneEnrollmentRowTheAnswerIsTrue) {
   const auto before = Tables();
   Connection& open = Watched();
   EXPECT_TRUE(ValidateEnrollmentRecord(log(), "P1", open));
-  EXPECT_EQ(Statements(), Lines{EnrollmentQuery("P1")});
+  EXPECT_EQ(Statements(), Lines{EnrollmentCount("P1")});
   EXPECT_EQ(Trace(), (Lines{"information Begin: ValidateEnrollmentRecord()",
                             "information End: ValidateEnrollmentRecord()"}));
   EXPECT_EQ(Tables(), before);
@@ -116,7 +111,7 @@ TEST_F(RecordRoutines, MoreThanOneEnrollmentRowIsRefused) {
   Connection& open = Watched();
   ExpectRefused([&] { static_cast<void>(ValidateEnrollmentRecord(log(), "P1", open)); },
                 "ValidateEnrollmentRecord", Coded(20090), kEnrollmentTwice);
-  EXPECT_EQ(Statements(), Lines{EnrollmentQuery("P1")});
+  EXPECT_EQ(Statements(), Lines{EnrollmentCount("P1")});
   AddEnrollment("'P1'");
   ExpectRefused([&] { static_cast<void>(ValidateEnrollmentRecord(log(), "P1", open)); },
                 "ValidateEnrollmentRecord", Coded(20090), kEnrollmentTwice);
@@ -131,8 +126,8 @@ TEST_F(RecordRoutines, AStoredEnrollmentPinIsTrimmedAndTheGivenOneIsNot) {
   EXPECT_FALSE(ValidateEnrollmentRecord(log(), "p1", open));
   EXPECT_FALSE(ValidateEnrollmentRecord(log(), "", open));
   EXPECT_EQ(Statements(),
-            (Lines{EnrollmentQuery("P1"), EnrollmentQuery("P1  "), EnrollmentQuery(" P1"),
-                   EnrollmentQuery("p1"), EnrollmentQuery("")}));
+            (Lines{EnrollmentCount("P1"), EnrollmentCount("P1  "), EnrollmentCount(" P1"),
+                   EnrollmentCount("p1"), EnrollmentCount("")}));
 }
 
 TEST_F(RecordRoutines, AnEnrollmentCountOfNoneOrSeveralRecordsIsRefused) {
@@ -185,7 +180,7 @@ TEST_F(RecordRoutines, AVeryLongEnrollmentPinIsLookedFor) {
   AddEnrollment("'P'");
   Connection& open = Watched();
   EXPECT_FALSE(ValidateEnrollmentRecord(log(), pin, open));
-  EXPECT_EQ(Statements(), Lines{EnrollmentQuery(pin)});
+  EXPECT_EQ(Statements(), Lines{EnrollmentCount(pin)});
 }
 
 TEST_F(RecordRoutines, TheEnrollmentPinOfTheCallerStays) {

@@ -74,8 +74,8 @@ void ExpectError(const Error& error, std::int32_t number, const std::string& des
   EXPECT_EQ(error.source(), source);
 }
 
-std::vector<Row> Cells(const cResultSet& table) {
-  std::vector<Row> rows;
+Rows Cells(const cResultSet& table) {
+  Rows rows;
   for (std::int32_t row = 1; row <= table.Rows(); ++row) {
     Row cells;
     for (std::int32_t column = 1; column <= table.Cols(); ++column) {
@@ -95,8 +95,8 @@ Row HeaderNames(const cResultSet& table) {
   return names;
 }
 
-std::vector<std::string> TraceLines(const std::string& path) {
-  std::vector<std::string> lines;
+Lines TraceLines(const std::string& path) {
+  Lines lines;
   std::ifstream file(path, std::ios::binary);
   for (std::string line; std::getline(file, line);) {
     // "2026-11-20 13:45:12.123456 4711 information ..."
@@ -158,12 +158,11 @@ void DatabaseTest::Watch(Connection& watched, Answer answer) {
   });
 }
 
-std::vector<std::string> DatabaseTest::Statements() { return std::exchange(statements_, {}); }
+Lines DatabaseTest::Statements() { return std::exchange(statements_, {}); }
 
-std::vector<std::string> DatabaseTest::Trace() {
-  std::vector<std::string> lines = TraceLines(logPath_);
-  std::vector<std::string> fresh(lines.begin() + static_cast<std::ptrdiff_t>(linesSeen_),
-                                 lines.end());
+Lines DatabaseTest::Trace() {
+  Lines lines = TraceLines(logPath_);
+  Lines fresh(lines.begin() + static_cast<std::ptrdiff_t>(linesSeen_), lines.end());
   linesSeen_ = lines.size();
   return fresh;
 }

@@ -17,6 +17,10 @@
 
 namespace lotrix::test {
 
+using Rows = std::vector<Row>;
+// Of the trace, or of statements: one text each.
+using Lines = std::vector<std::string>;
+
 // The catalogue code's number as clients see it.
 [[nodiscard]] constexpr std::int32_t Coded(std::int32_t code) { return kObjectErrorBase + code; }
 [[nodiscard]] constexpr std::int32_t Numbered(EngineError number) {
@@ -30,11 +34,11 @@ void ExpectError(const Error& error, std::int32_t number, const std::string& des
                  const std::string& source = "LOTRIX DLL");
 
 // A result table's cells by GetValue, row by row; a Null cell is "<null>".
-[[nodiscard]] std::vector<Row> Cells(const cResultSet& table);
+[[nodiscard]] Rows Cells(const cResultSet& table);
 [[nodiscard]] Row HeaderNames(const cResultSet& table);
 
 // A trace log's lines without time and process: "information Begin: x()".
-[[nodiscard]] std::vector<std::string> TraceLines(const std::string& path);
+[[nodiscard]] Lines TraceLines(const std::string& path);
 
 class DatabaseTest : public ::testing::Test {
  protected:
@@ -58,10 +62,10 @@ class DatabaseTest : public ::testing::Test {
 
   [[nodiscard]] TestDatabase& database() { return *database_; }
   void Execute(const std::string& sql) { database_->Execute(sql); }
-  [[nodiscard]] std::vector<Row> Query(const std::string& sql) { return database_->Query(sql); }
+  [[nodiscard]] Rows Query(const std::string& sql) { return database_->Query(sql); }
 
   // The lines since the last call of this or ForgetTrace.
-  [[nodiscard]] std::vector<std::string> Trace();
+  [[nodiscard]] Lines Trace();
   void ForgetTrace() { static_cast<void>(Trace()); }
 
   [[nodiscard]] const std::string& logPath() const { return logPath_; }
@@ -71,7 +75,7 @@ class DatabaseTest : public ::testing::Test {
   using Answer = std::function<std::optional<std::vector<Value>>(const std::string& text)>;
   void Watch(Connection& watched, Answer answer = {});
   // The texts since the last call of this.
-  [[nodiscard]] std::vector<std::string> Statements();
+  [[nodiscard]] Lines Statements();
 
   // The texts that CheckVaccActive has shown.
   [[nodiscard]] const std::vector<std::string>& shown() const { return shown_; }
@@ -81,7 +85,7 @@ class DatabaseTest : public ::testing::Test {
   std::string logPath_;
   std::unique_ptr<TestDatabase> database_;
   std::vector<std::string> shown_;
-  std::vector<std::string> statements_;
+  Lines statements_;
   std::unique_ptr<cLotrix> lotrix_;
   std::unique_ptr<Service> service_;
   std::size_t linesSeen_ = 0;
