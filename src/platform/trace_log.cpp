@@ -1,5 +1,6 @@
 #include "src/platform/trace_log.h"
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <utility>
@@ -34,15 +35,23 @@ void TraceLog::Problem(std::initializer_list<std::string_view> pieces) { Write("
 void TraceLog::Write(std::string_view event, std::initializer_list<std::string_view> pieces) {
   if (!file_.IsOpen()) return;
   if (depth_ == 0) ReadProcess();
-  AppendTimeAndProcess();
-  lines_ += event;
-  const std::size_t start = lines_.size();
-  for (const std::string_view piece : pieces) lines_ += piece;
-  if (lines_.find('\n', start) != std::string::npos ||
-      lines_.find('\r', start) != std::string::npos) {
-    EscapeLineBreaks(start);
+  UpdateTimeAndProcess();
+  // Made room for once: a call writes dozens of lines.
+  std::size_t size = timeAndProcess_.size() + event.size() + 1;
+  for (const std::string_view piece : pieces) size += piece.size();
+  const std::size_t begin = lines_.size();
+  lines_.resize(begin + size);
+  char* end = lines_.data() + begin;
+  const auto append = [&](std::string_view text) { end = std::ranges::copy(text, end).out; };
+  append(timeAndProcess_);
+  append(event);
+  const char* const start = end;
+  for (const std::string_view piece : pieces) append(piece);
+  const std::string_view told(start, static_cast<std::size_t>(end - start));
+  *end = '\n';
+  if (told.find('\n') != std::string_view::npos || told.find('\r') != std::string_view::npos) {
+    EscapeLineBreaks(lines_.size() - 1 - told.size());
   }
-  lines_ += '\n';
   if (depth_ == 0 || lines_.size() > kMostGathered) Flush();
 }
 
@@ -54,7 +63,7 @@ void TraceLog::ReadProcess() {
 }
 
 void TraceLog::EscapeLineBreaks(std::size_t start) {
-  const std::string text = lines_.substr(start);
+  const std::string text = lines_.substr(start, lines_.size() - 1 - start);
   lines_.resize(start);
   for (const char c : text) {
     if (c == '\n') {
@@ -65,9 +74,10 @@ void TraceLog::EscapeLineBreaks(std::size_t start) {
       lines_ += c;
     }
   }
+  lines_ += '\n';
 }
 
-void TraceLog::AppendTimeAndProcess() {
+void TraceLog::UpdateTimeAndProcess() {
   const auto now = clock_();
   const auto wholeSeconds = std::chrono::floor<std::chrono::seconds>(now);
   const std::int64_t second = wholeSeconds.time_since_epoch().count();
@@ -86,7 +96,6 @@ void TraceLog::AppendTimeAndProcess() {
     timeAndProcess_[fraction_ + digit] = static_cast<char>('0' + microsecond % 10);
     microsecond /= 10;
   }
-  lines_ += timeAndProcess_;
 }
 
 void TraceLog::Flush() noexcept {

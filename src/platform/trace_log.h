@@ -56,7 +56,7 @@ class TraceLog {
  private:
   void Write(std::string_view event, std::initializer_list<std::string_view> pieces);
   void ReadProcess();
-  void AppendTimeAndProcess();
+  void UpdateTimeAndProcess();
   void EscapeLineBreaks(std::size_t start);
   void Flush() noexcept;
 
