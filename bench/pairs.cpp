@@ -240,7 +240,7 @@ void RunBenchmarks() {
   const std::regex filter(benchmark::GetBenchmarkFilter());
   for (const Bound& bound : Bounds()) {
     if (!std::regex_search(bound.numerator, filter)) continue;
-    // The two sides of a pair take turns, whatever the machine does meanwhile.
+    // The two sides of a pair run among each other, whatever the machine does meanwhile.
     benchmark::RunSpecifiedBenchmarks(
         &reporter, "^(" + bound.numerator + '|' + bound.denominator + ")/(iterations|repeats):");
   }

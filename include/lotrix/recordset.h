@@ -110,7 +110,7 @@ class Recordset {
   [[nodiscard]] ObjectState State() const noexcept;
 
   // All the records of the query, those already passed included. Throws 6 beyond
-  // the 32-bit range.
+  // the 32-bit range. An engine's error closes the recordset.
   [[nodiscard]] std::int32_t RecordCount();
   [[nodiscard]] bool EndOfFile() const;
   // Throws 3021 at the end of data. An engine's error closes the recordset.

@@ -68,8 +68,8 @@ class Statement {
   [[nodiscard]] bool locksRows() const { return locksRows_; }
 
   // The rows of this query may be a whole table, of which an engine had better not
-  // hold a copy; those of the program's other queries are few, and are counted before
-  // they are read. Changes nothing about its text.
+  // hold a copy; those of the program's other queries are few. Changes nothing about its
+  // text.
   Statement& GiveTable() {
     givesTable_ = true;
     return *this;

@@ -62,7 +62,7 @@ void Exchange::BeginParts(bool alone) {
   added_ = 0;
   succeeded_ = 0;
   inPipeline_ = !alone;
-  if (inPipeline_) PQenterPipelineMode(link_.get());
+  if (inPipeline_ && PQenterPipelineMode(link_.get()) != 1) Lose(nullptr);
 }
 
 void Exchange::Add(const std::string& command) {
@@ -157,7 +157,7 @@ Result Exchange::ReadToEnd(Result last) {
     afterNothing = answer == nullptr;
     if (failure == nullptr && IsFailure(answer)) failure = std::move(answer);
   }
-  if (inPipeline_) PQexitPipelineMode(link_.get());
+  if (inPipeline_ && PQexitPipelineMode(link_.get()) != 1) Lose(nullptr);
   inDoubt_ = false;
   lastAnswer_ = std::chrono::steady_clock::now();
   return failure;

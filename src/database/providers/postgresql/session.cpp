@@ -416,6 +416,7 @@ class PostgresqlSession final : public Session {
   std::unique_ptr<Cursor> Receive(PreparedStatement& prepared, Result answer) {
     const ExecStatusType status = PQresultStatus(answer.get());
     const bool hasRows = status == PGRES_SINGLE_TUPLE || status == PGRES_TUPLES_OK;
+    if (hasRows && PQnfields(answer.get()) == 0) RefuseRowsOfNothing(status);
     if (hasRows && prepared.columns == nullptr) {
       prepared.columns = std::make_shared<const std::vector<Column>>(ReadColumns(answer.get()));
     }
@@ -426,6 +427,16 @@ class PostgresqlSession final : public Session {
       if (PQntuples(answer.get()) == 0) answer.reset();
     }
     return std::make_unique<PostgresqlCursor>(line_, prepared.columns, std::move(answer));
+  }
+
+  // Of somebody's table without columns.
+  [[noreturn]] void RefuseRowsOfNothing(ExecStatusType status) {
+    if (status == PGRES_SINGLE_TUPLE) {
+      line_->exchange.Abandon();
+    } else {
+      line_->exchange.Finish(nullptr);
+    }
+    RaiseEngineError(EngineError::kStatementRefused, "A SELECT names no columns.");
   }
 
   // A megabyte that was looked for once must not stay.
