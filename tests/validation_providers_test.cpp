@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "src/validation/validation.h"
+#include "tests/support/expected_statements.h"
 #include "tests/support/fixture.h"
 
 namespace lotrix::test {
@@ -31,22 +32,6 @@ constexpr char kInactive[] =
     "operation";
 
 Value Count(std::int64_t count) { return count; }
-
-std::string DepotQuery(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE ltrim(rtrim(active)) = 'Y' AND sector BETWEEN 30 AND "
-         "31 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-
-std::string ProviderQuery(const std::string& pin) {
-  return "SELECT count(*) FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
-
-std::string ActiveQuery(const std::string& pin) {
-  return "SELECT active FROM provider WHERE Sector BETWEEN 10 AND 29 AND ltrim(rtrim(pin)) = '" +
-         pin + "'";
-}
 
 class ProviderRoutines : public DatabaseTest {
  protected:
@@ -268,7 +253,7 @@ TEST_F(ProviderRoutines, ActiveDepotPasses) {
   AddProvider("'D1', 30, 'Y'");
   Connection& open = Watched();
   EXPECT_NO_THROW(ValidateDepotPIN(log(), "D1", open));
-  EXPECT_EQ(Statements(), Texts{DepotQuery("D1")});
+  EXPECT_EQ(Statements(), Texts{DepotCount("D1")});
   EXPECT_EQ(Trace(), (Texts{"information Begin: ValidateDepotPIN()",
                             "information End: ValidateDepotPIN()"}));
 }
@@ -304,7 +289,7 @@ TEST_F(ProviderRoutines, DepotThatIsNotActiveIsAsGoodAsUnknown) {
 TEST_F(ProviderRoutines, UnknownDepotIsRefused) {
   Connection& open = Watched();
   ExpectRefused([&] { ValidateDepotPIN(log(), "D1", open); }, 20014, kDepotError);
-  EXPECT_EQ(Statements(), Texts{DepotQuery("D1")});
+  EXPECT_EQ(Statements(), Texts{DepotCount("D1")});
   EXPECT_EQ(Trace(), (Texts{"information Begin: ValidateDepotPIN()",
                             "error Problem: In ValidateDepotPIN() Error while verifying depot PIN "
                             "in LOTRIX"}));
@@ -327,7 +312,7 @@ TEST_F(ProviderRoutines, DepotPinIsUpperCased) {
   AddProvider("'DEP1', 30, 'Y'");
   Connection& open = Watched();
   EXPECT_NO_THROW(ValidateDepotPIN(log(), "dEp1", open));
-  EXPECT_EQ(Statements(), Texts{DepotQuery("DEP1")});
+  EXPECT_EQ(Statements(), Texts{DepotCount("DEP1")});
 }
 
 TEST_F(ProviderRoutines, StoredDepotPinIsTrimmedButNotUpperCased) {
@@ -342,7 +327,7 @@ TEST_F(ProviderRoutines, DepotPinOfSixCharactersIsTheLongest) {
   AddProvider("'ABC1234', 30, 'Y'");
   Connection& open = Watched();
   EXPECT_NO_THROW(ValidateDepotPIN(log(), "ABC123", open));
-  EXPECT_EQ(Statements(), Texts{DepotQuery("ABC123")});
+  EXPECT_EQ(Statements(), Texts{DepotCount("ABC123")});
   ExpectRefused([&] { ValidateDepotPIN(log(), "ABC1234", open); }, 20078, kTooLong);
   EXPECT_EQ(Statements(), Texts{});
 }
@@ -378,7 +363,7 @@ TEST_F(ProviderRoutines, DepotPinWithTrailingBlanksIsAskedForAsGiven) {
   AddProvider("'D1', 30, 'Y'");
   Connection& open = Watched();
   EXPECT_NO_THROW(ValidateDepotPIN(log(), "d1    ", open));
-  EXPECT_EQ(Statements(), Texts{DepotQuery("D1    ")});
+  EXPECT_EQ(Statements(), Texts{DepotCount("D1    ")});
 }
 
 TEST_F(ProviderRoutines, DepotCounts) {
@@ -450,7 +435,7 @@ TEST_F(ProviderRoutines, ProviderThatIsThereOnceIsTrue) {
   AddProvider("'P1', 10, 'Y'");
   Connection& open = Watched();
   EXPECT_TRUE(ValidateProviderPIN(log(), "P1", false, open));
-  EXPECT_EQ(Statements(), Texts{ProviderQuery("P1")});
+  EXPECT_EQ(Statements(), Texts{ProviderCount("P1")});
   EXPECT_EQ(Trace(), (Texts{"information Begin: ValidateProviderPIN()",
                             "information End: ValidateProviderPIN()"}));
 }
@@ -467,7 +452,7 @@ TEST_F(ProviderRoutines, UnknownProviderIsFalse) {
 TEST_F(ProviderRoutines, UnknownProviderIsNotAskedWhetherItIsActive) {
   Connection& open = Watched();
   EXPECT_FALSE(ValidateProviderPIN(log(), "P1", true, open));
-  EXPECT_EQ(Statements(), Texts{ProviderQuery("P1")});
+  EXPECT_EQ(Statements(), Texts{ProviderCount("P1")});
 }
 
 TEST_F(ProviderRoutines, ProviderSectorsAre10To29) {
@@ -502,7 +487,7 @@ TEST_F(ProviderRoutines, ProviderPinThatTwoProvidersHoldIsRefused) {
   Connection& open = Watched();
   ExpectRefused([&] { static_cast<void>(ValidateProviderPIN(log(), "P1", true, open)); }, 20003,
                 kDuplicate);
-  EXPECT_EQ(Statements(), Texts{ProviderQuery("P1")});
+  EXPECT_EQ(Statements(), Texts{ProviderCount("P1")});
   EXPECT_EQ(Trace(), (Texts{"information Begin: ValidateProviderPIN()",
                             "error Problem: In ValidateProviderPIN() Provider PIN entered has a "
                             "duplicate"}));
@@ -512,7 +497,7 @@ TEST_F(ProviderRoutines, ProviderPinIsUpperCased) {
   AddProvider("'PIN1', 10, 'Y'");
   Connection& open = Watched();
   EXPECT_TRUE(ValidateProviderPIN(log(), "pIn1", true, open));
-  EXPECT_EQ(Statements(), (Texts{ProviderQuery("PIN1"), ActiveQuery("PIN1")}));
+  EXPECT_EQ(Statements(), (Texts{ProviderCount("PIN1"), ProviderActive("PIN1")}));
 }
 
 TEST_F(ProviderRoutines, StoredProviderPinIsTrimmedButNotUpperCased) {
@@ -528,7 +513,7 @@ TEST_F(ProviderRoutines, ProviderPinOfSixCharactersIsTheLongest) {
   AddProvider("'ABC1234', 10, 'Y'");
   Connection& open = Watched();
   EXPECT_TRUE(ValidateProviderPIN(log(), "ABC123", false, open));
-  EXPECT_EQ(Statements(), Texts{ProviderQuery("ABC123")});
+  EXPECT_EQ(Statements(), Texts{ProviderCount("ABC123")});
   ForgetTrace();
   ExpectRefused([&] { static_cast<void>(ValidateProviderPIN(log(), "ABC1234", false, open)); },
                 20078, kTooLong);
@@ -572,7 +557,7 @@ TEST_F(ProviderRoutines, ProviderPinWithTrailingBlanksIsAskedForAsGiven) {
   AddProvider("'P1', 10, 'Y'");
   Connection& open = Watched();
   EXPECT_TRUE(ValidateProviderPIN(log(), "p1    ", true, open));
-  EXPECT_EQ(Statements(), (Texts{ProviderQuery("P1    "), ActiveQuery("P1    ")}));
+  EXPECT_EQ(Statements(), (Texts{ProviderCount("P1    "), ProviderActive("P1    ")}));
 }
 
 TEST_F(ProviderRoutines, ProviderCounts) {
@@ -608,7 +593,7 @@ TEST_F(ProviderRoutines, ActiveProviderIsTrueWhenThatIsAskedFor) {
   AddProvider("'P1', 10, 'Y'");
   Connection& open = Watched();
   EXPECT_TRUE(ValidateProviderPIN(log(), "P1", true, open));
-  EXPECT_EQ(Statements(), (Texts{ProviderQuery("P1"), ActiveQuery("P1")}));
+  EXPECT_EQ(Statements(), (Texts{ProviderCount("P1"), ProviderActive("P1")}));
   EXPECT_EQ(Trace(), (Texts{"information Begin: ValidateProviderPIN()",
                             "information Begin: ValidateProviderActiveStatus()",
                             "information End: ValidateProviderActiveStatus()",
@@ -634,13 +619,13 @@ TEST_F(ProviderRoutines, InactiveProviderIsTrueWhenThatIsNotAskedFor) {
   AddProvider("'P1', 10, 'N'");
   Connection& open = Watched();
   EXPECT_TRUE(ValidateProviderPIN(log(), "P1", false, open));
-  EXPECT_EQ(Statements(), Texts{ProviderQuery("P1")});
+  EXPECT_EQ(Statements(), Texts{ProviderCount("P1")});
 }
 
 TEST_F(ProviderRoutines, ProviderThatGoesBeforeItsStatusIsReadIsRefused) {
   Connection& open = connection();
   Watch(open, [](const std::string& text) -> std::optional<Records> {
-    if (text == ProviderQuery("P1")) return Records{Count(1)};
+    if (text == ProviderCount("P1")) return Records{Count(1)};
     return std::nullopt;
   });
   ExpectRefused([&] { static_cast<void>(ValidateProviderPIN(log(), "P1", true, open)); }, 20005,
@@ -659,7 +644,7 @@ TEST_F(ProviderRoutines, ActiveProviderPassesItsStatusCheck) {
   AddProvider("'P1', 10, 'Y'");
   Connection& open = Watched();
   EXPECT_NO_THROW(ValidateProviderActiveStatus(log(), "P1", open));
-  EXPECT_EQ(Statements(), Texts{ActiveQuery("P1")});
+  EXPECT_EQ(Statements(), Texts{ProviderActive("P1")});
   EXPECT_EQ(Trace(), (Texts{"information Begin: ValidateProviderActiveStatus()",
                             "information End: ValidateProviderActiveStatus()"}));
 }
@@ -696,7 +681,7 @@ TEST_F(ProviderRoutines, InactiveStatusIsLogged) {
 TEST_F(ProviderRoutines, StatusOfAnUnknownProviderIsRefused) {
   Connection& open = Watched();
   ExpectRefused([&] { ValidateProviderActiveStatus(log(), "P1", open); }, 20005, kProviderError);
-  EXPECT_EQ(Statements(), Texts{ActiveQuery("P1")});
+  EXPECT_EQ(Statements(), Texts{ProviderActive("P1")});
 }
 
 TEST_F(ProviderRoutines, StatusOfTwoProvidersIsRefused) {
@@ -730,8 +715,8 @@ TEST_F(ProviderRoutines, StatusPinIsUpperCasedAndNeitherTrimmedNorTested) {
   ExpectRefused([&] { ValidateProviderActiveStatus(log(), " longpin1", open); }, 20005,
                 kProviderError);
   ExpectRefused([&] { ValidateProviderActiveStatus(log(), "", open); }, 20005, kProviderError);
-  EXPECT_EQ(Statements(), (Texts{ActiveQuery("É-1"), ActiveQuery("LONGPIN1 "),
-                                 ActiveQuery(" LONGPIN1"), ActiveQuery("")}));
+  EXPECT_EQ(Statements(), (Texts{ProviderActive("É-1"), ProviderActive("LONGPIN1 "),
+                                 ProviderActive(" LONGPIN1"), ProviderActive("")}));
 }
 
 }  // namespace
