@@ -523,19 +523,23 @@ class PostgresqlLossTest : public PostgresqlConnectionTest {
         "SELECT pg_terminate_backend(pid, 10000) FROM pg_stat_activity WHERE datname = "
         "current_database() AND pid <> pg_backend_pid()");
   }
-  void WaitUntilOneWaitsForALock() {
+  void WaitUntilOneWaitsForALock() { WaitForSessions("wait_event_type = 'Lock'", "1"); }
+  // A statement whose line is cut still comes to its end at the server.
+  void WaitUntilTheServerHasEndedTheOthers() { WaitForSessions("pid <> pg_backend_pid()", "0"); }
+  CuttingProxy& proxy() { return proxy_; }
+
+ private:
+  void WaitForSessions(const std::string& condition, const std::string& count) {
     for (int i = 0; i < 2000; ++i) {
-      if (Query("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND "
-                "wait_event_type = 'Lock'") == std::vector<Row>{{"1"}}) {
+      if (Query("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND " +
+                condition) == std::vector<Row>{{count}}) {
         return;
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    FAIL() << "nobody waits";
+    FAIL() << "never " << count << " sessions with " << condition;
   }
-  CuttingProxy& proxy() { return proxy_; }
 
- private:
   CuttingProxy proxy_;
 };
 
@@ -576,6 +580,7 @@ TEST_F(PostgresqlLossTest, OfWritesOneBehindAnotherTheLastAloneIsInDoubtWhenTheL
     cutting.join();
     EXPECT_EQ(connection.State(), ObjectState::kClosed);
     EXPECT_NE(failure->description(), "");
+    WaitUntilTheServerHasEndedTheOthers();
     const Rows lots = Query("SELECT lot FROM stock");
     const std::set<Row> different(lots.begin(), lots.end());
     EXPECT_EQ(different.size(), lots.size());
