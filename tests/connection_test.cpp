@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -614,15 +615,20 @@ TEST_F(ConnectionTest, RowsAreStreamed) {
   const std::string query =
       "SELECT a.sector FROM sectoref a, sectoref b, sectoref c";  // 216000 records
   using Clock = std::chrono::steady_clock;
-  const Clock::time_point start = Clock::now();
-  Recordset recordset;
-  recordset.Open(query, connection());
-  recordset.MoveNext();
-  const Clock::duration opened = Clock::now() - start;
-  std::int32_t moves = 1;
-  for (; !recordset.EndOfFile(); recordset.MoveNext()) ++moves;
-  const Clock::duration walked = Clock::now() - start;
-  EXPECT_EQ(moves, 216000);
+  // The least of some, for other programs may hold up any of them.
+  Clock::duration opened = Clock::duration::max();
+  Clock::duration walked = Clock::duration::max();
+  for (int times = 0; times < 3; ++times) {
+    const Clock::time_point start = Clock::now();
+    Recordset recordset;
+    recordset.Open(query, connection());
+    recordset.MoveNext();
+    opened = std::min(opened, Clock::now() - start);
+    std::int32_t moves = 1;
+    for (; !recordset.EndOfFile(); recordset.MoveNext()) ++moves;
+    walked = std::min(walked, Clock::now() - start);
+    EXPECT_EQ(moves, 216000);
+  }
   EXPECT_LT(opened * 4, walked);
 }
 

@@ -504,7 +504,6 @@ class PostgresqlLossTest : public PostgresqlConnectionTest {
       connection.Execute("DELETE FROM stock WHERE lot = 'warm'");
     }
     ASSERT_EQ(StockCount(), "0");
-    BecomeIdle();
   }
   // Right behind an answer the server is taken to be there.
   static void BecomeIdle() { std::this_thread::sleep_for(std::chrono::milliseconds(5)); }
@@ -526,6 +525,10 @@ class PostgresqlLossTest : public PostgresqlConnectionTest {
   void WaitUntilOneWaitsForALock() { WaitForSessions("wait_event_type = 'Lock'", "1"); }
   // A statement whose line is cut still comes to its end at the server.
   void WaitUntilTheServerHasEndedTheOthers() { WaitForSessions("pid <> pg_backend_pid()", "0"); }
+  void CutWhileIdle() {
+    BecomeIdle();
+    proxy().Cut();
+  }
   CuttingProxy& proxy() { return proxy_; }
 
  private:
@@ -546,7 +549,7 @@ class PostgresqlLossTest : public PostgresqlConnectionTest {
 TEST_F(PostgresqlLossTest, AWriteOnALineThatWasCutWhileIdleIsNotSent) {
   Connection connection;
   OpenProxied(connection);
-  proxy().Cut();
+  CutWhileIdle();
   EXPECT_EQ(connection.State(), ObjectState::kOpen);
   ExpectNumber(kNotReachable, [&] { Insert(connection, "L1"); });
   EXPECT_EQ(connection.State(), ObjectState::kClosed);
@@ -599,7 +602,7 @@ TEST_F(PostgresqlLossTest, OfWritesOneBehindAnotherTheLastAloneIsInDoubtWhenTheL
 TEST_F(PostgresqlLossTest, AReadOnALineThatWasCutWhileIdleIsNotReachable) {
   Connection connection;
   OpenProxied(connection);
-  proxy().Cut();
+  CutWhileIdle();
   ExpectNumber(kNotReachable, [&] { Select(connection); });
   EXPECT_EQ(connection.State(), ObjectState::kClosed);
 }
@@ -640,7 +643,7 @@ TEST_F(PostgresqlLossTest, ATransactionIsGoneWithItsServer) {
   OpenProxied(connection);
   connection.BeginTrans();
   Insert(connection, "L1");
-  proxy().Cut();
+  CutWhileIdle();
   ExpectNumber(kNotReachable, [&] { Insert(connection, "L2"); });
   EXPECT_EQ(connection.State(), ObjectState::kClosed);
   connection.Open(Proxied());
@@ -653,17 +656,17 @@ TEST_F(PostgresqlLossTest, ClosingALostConnectionIsHarmless) {
   {
     Connection connection;
     OpenProxied(connection);
-    proxy().Cut();
+    CutWhileIdle();
     connection.Close();
     EXPECT_EQ(connection.State(), ObjectState::kClosed);
     connection.Open(Proxied());
-    proxy().Cut();
+    CutWhileIdle();
   }
   Connection connection;
   OpenProxied(connection);
   Recordset recordset;
   recordset.Open("SELECT lot FROM stock", connection);
-  proxy().Cut();
+  CutWhileIdle();
   ExpectNumber(kNotReachable, [&] { Insert(connection, "L1"); });
   ExpectNumber(3704, [&] { connection.Close(); });
   EXPECT_EQ(recordset.State(), ObjectState::kClosed);
