@@ -58,31 +58,29 @@ Statement& Statement::operator<<(SqlText piece) {
 }
 
 Statement& Statement::operator<<(const Statement& part) {
-  for (const Splice& splice : part.splices_) {
-    splices_.push_back({splice.place, template_.size() + splice.at, splice.value});
-  }
   template_ += part.template_;
+  splices_.insert(splices_.end(), part.splices_.begin(), part.splices_.end());
   if (part.inQuotation_) inQuotation_ = !inQuotation_;
   inBrace_ = part.inBrace_;
   return *this;
 }
 
 Statement& Statement::operator<<(std::int32_t number) {
-  splices_.push_back({Place::kNumber, template_.size(), NumberText(std::int64_t{number})});
   template_ += kMark;
+  splices_.push_back({Place::kNumber, NumberText(std::int64_t{number})});
   return *this;
 }
 
 Statement& Statement::operator<<(double number) {
-  splices_.push_back({Place::kNumber, template_.size(), NumberText(number)});
   template_ += kMark;
+  splices_.push_back({Place::kNumber, NumberText(number)});
   return *this;
 }
 
 Statement& Statement::Append(std::string_view value) {
   const Place place = inQuotation_ ? Place::kText : inBrace_ ? Place::kDate : Place::kNumber;
-  splices_.push_back({place, template_.size(), std::string(value)});
   template_ += kMark;
+  splices_.push_back({place, std::string(value)});
   return *this;
 }
 
@@ -95,12 +93,13 @@ std::string Statement::text() const {
   for (const Splice& splice : splices_) size += splice.value.size();
   std::string text;
   text.reserve(size);
-  std::size_t from = 0;
+  std::string_view rest = template_;
   for (const Splice& splice : splices_) {
-    text.append(template_, from, splice.at - from).append(splice.value);
-    from = splice.at + 1;
+    const std::size_t mark = rest.find(kMark);
+    text.append(rest.substr(0, mark)).append(splice.value);
+    rest.remove_prefix(mark + 1);
   }
-  return text.append(template_, from);
+  return text.append(rest);
 }
 
 void RequireShape(const Statement& statement) {

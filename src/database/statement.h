@@ -93,7 +93,6 @@ class Statement {
 
   struct Splice {
     Place place;
-    std::size_t at;  // its mark in the template text
     std::string value;
   };
   // The text with a mark for each splice, in the order of splices().

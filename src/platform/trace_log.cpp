@@ -1,6 +1,5 @@
 #include "src/platform/trace_log.h"
 
-#include <algorithm>
 #include <array>
 #include <ctime>
 #include <utility>
@@ -36,22 +35,15 @@ void TraceLog::Write(std::string_view event, std::initializer_list<std::string_v
   if (!file_.IsOpen()) return;
   if (depth_ == 0) ReadProcess();
   UpdateTimeAndProcess();
-  // Made room for once: a call writes dozens of lines.
-  std::size_t size = timeAndProcess_.size() + event.size() + 1;
-  for (const std::string_view piece : pieces) size += piece.size();
-  const std::size_t begin = lines_.size();
-  lines_.resize(begin + size);
-  char* end = lines_.data() + begin;
-  const auto append = [&](std::string_view text) { end = std::ranges::copy(text, end).out; };
-  append(timeAndProcess_);
-  append(event);
-  const char* const start = end;
-  for (const std::string_view piece : pieces) append(piece);
-  const std::string_view told(start, static_cast<std::size_t>(end - start));
-  *end = '\n';
-  if (told.find('\n') != std::string_view::npos || told.find('\r') != std::string_view::npos) {
-    EscapeLineBreaks(lines_.size() - 1 - told.size());
+  lines_ += timeAndProcess_;
+  lines_ += event;
+  const std::size_t start = lines_.size();
+  for (const std::string_view piece : pieces) lines_ += piece;
+  if (lines_.find('\n', start) != std::string::npos ||
+      lines_.find('\r', start) != std::string::npos) {
+    EscapeLineBreaks(start);
   }
+  lines_ += '\n';
   if (depth_ == 0 || lines_.size() > kMostGathered) Flush();
 }
 
@@ -63,7 +55,7 @@ void TraceLog::ReadProcess() {
 }
 
 void TraceLog::EscapeLineBreaks(std::size_t start) {
-  const std::string text = lines_.substr(start, lines_.size() - 1 - start);
+  const std::string text = lines_.substr(start);
   lines_.resize(start);
   for (const char c : text) {
     if (c == '\n') {
@@ -74,7 +66,6 @@ void TraceLog::EscapeLineBreaks(std::size_t start) {
       lines_ += c;
     }
   }
-  lines_ += '\n';
 }
 
 void TraceLog::UpdateTimeAndProcess() {
